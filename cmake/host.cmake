@@ -1,0 +1,45 @@
+# The command-line host: what is pure as a library of its own, so that tests can link it, and the program.
+# Wants `header_only` (CLI11, nlohmann-json) on Windows, and natively the library, `Varcolin`, to link; on Windows the
+# host loads "Varcolin.dll" by itself.
+if(NOT TARGET header_only)
+  find_package(nlohmann_json REQUIRED)
+  find_package(CLI11 REQUIRED)
+  add_library(header_only INTERFACE)
+  target_link_libraries(header_only INTERFACE CLI11::CLI11 nlohmann_json::nlohmann_json)
+endif()
+
+file(GLOB SOURCES CONFIGURE_DEPENDS src/host/*.cpp)
+if(WIN32)
+  list(FILTER SOURCES EXCLUDE REGEX "\\.native\\.cpp$")
+else()
+  list(FILTER SOURCES EXCLUDE REGEX "\\.windows\\.cpp$")
+endif()
+# what reaches the library, or is the entry point
+set(PROGRAM_SOURCES ${SOURCES})
+list(FILTER PROGRAM_SOURCES INCLUDE REGEX "/(main|(Library|Command)[^/]*)\\.cpp$")
+list(REMOVE_ITEM SOURCES ${PROGRAM_SOURCES})
+
+add_library(host_core STATIC ${SOURCES})
+target_link_libraries(host_core PUBLIC header_only)
+add_executable(varcolin ${PROGRAM_SOURCES})
+target_link_libraries(varcolin PRIVATE host_core)
+if(WIN32)
+  target_link_libraries(varcolin PRIVATE shell32 oleaut32)
+else()
+  target_link_libraries(varcolin PRIVATE Varcolin Threads::Threads)
+endif()
+
+# Once all targets are there: the tests of the host's pure parts, and natively of the program itself.
+function(add_host_to_tests)
+  foreach(TESTS native_tests windows_tests)
+    if(TARGET ${TESTS})
+      target_link_libraries(${TESTS} PRIVATE host_core)
+    endif()
+  endforeach()
+  if(TARGET native_tests)
+    target_compile_definitions(native_tests PRIVATE VARCOLIN_EXE="$<TARGET_FILE:varcolin>"
+                               SAMPLE_MACHINE="${CMAKE_SOURCE_DIR}/examples/machines/sample")
+    add_dependencies(native_tests varcolin)
+  endif()
+endfunction()
+cmake_language(DEFER CALL add_host_to_tests)
