@@ -1,0 +1,53 @@
+// Events, named mutexes, waiting and the tick count.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "platform/Types.h"
+
+namespace varcolin {
+
+struct TEventTag {};
+struct TMutexTag {};
+class ISync;
+
+/// A manual-reset event.
+using TEvent = THandle<ISync, TEventTag>;
+/// A named mutex that is kept to show other processes that it exists; it is never waited for.
+using TNamedMutex = THandle<ISync, TMutexTag>;
+
+/// Waits without an end.
+inline constexpr std::uint32_t WaitForever = 0xFFFFFFFF;
+
+/// How a wait ended.
+enum class EWaitResult { Signaled, TimedOut, Failed };
+
+class ISync {
+ public:
+  virtual ~ISync() = default;
+
+  /// A new unnamed manual-reset event. Windows: CreateEventW.
+  [[nodiscard]] virtual TWinError MakeEvent(bool ASignaled, TEvent& AEvent) = 0;
+  /// Windows: SetEvent.
+  virtual void SignalEvent(const TEvent& AEvent) noexcept = 0;
+  /// Windows: ResetEvent.
+  virtual void ResetSignal(const TEvent& AEvent) noexcept = 0;
+  /// Waits until AEvent is signalled, for at most ATimeout milliseconds (0: only looks). Windows: WaitForSingleObject.
+  [[nodiscard]] virtual EWaitResult WaitForEvent(const TEvent& AEvent, std::uint32_t ATimeout) = 0;
+  /// Lets ATime milliseconds pass for the calling thread. Windows: Sleep.
+  virtual void SleepFor(std::uint32_t ATime) = 0;
+  /// Milliseconds since the system started, modulo 2^32. Windows: GetTickCount.
+  [[nodiscard]] virtual std::uint32_t TickCount() = 0;
+
+  /// Creates or opens a named mutex without taking it. AExisted: whether it existed already. Windows: CreateMutexW.
+  [[nodiscard]] virtual TWinError MakeNamedMutex(std::u16string_view AName, TNamedMutex& AMutex, bool& AExisted) = 0;
+  /// Opens an existing named mutex with all access; FileNotFound when there is none. Windows: OpenMutexW.
+  [[nodiscard]] virtual TWinError OpenNamedMutex(std::u16string_view AName, TNamedMutex& AMutex) = 0;
+
+  /// Give handles back; called by the handle classes. Windows: CloseHandle.
+  virtual void CloseValue(TEventTag, std::uintptr_t AEvent) noexcept = 0;
+  virtual void CloseValue(TMutexTag, std::uintptr_t AMutex) noexcept = 0;
+};
+
+}  // namespace varcolin
