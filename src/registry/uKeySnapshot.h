@@ -1,0 +1,64 @@
+// All values of one registry key, read once.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Registry.h"
+
+namespace varcolin {
+
+/// What one key holds of its own at the time of reading. On real machines the registry call is the cost, so a key is
+/// read by one enumeration and every question about it is answered from memory. Immutable, any thread.
+class TKeySnapshot {
+ public:
+  /// Kinds of string that a reader accepts.
+  enum class EStrings { Plain, PlainOrExpandable };
+
+  /// Reads AKey. A value that cannot be read is left out; it does not hide the others.
+  [[nodiscard]] static std::shared_ptr<const TKeySnapshot> Read(IRegistry& ARegistry, const TRegistryKey& AKey);
+  /// Opens ABase\APath, reads it and closes it; null when it does not open.
+  [[nodiscard]] static std::shared_ptr<const TKeySnapshot> ReadAt(IRegistry& ARegistry, TRegistryBase ABase,
+                                                                  std::u16string_view APath, std::uint32_t AAccess);
+
+  [[nodiscard]] bool HasValues() const noexcept { return FValueCount != 0; }
+  /// False only when the key is known to have no subkeys.
+  [[nodiscard]] bool MayHaveSubKeys() const noexcept { return FMayHaveSubKeys; }
+  /// Last write time, none when the key's facts could not be read.
+  [[nodiscard]] std::optional<TFileTime> LastWriteTime() const noexcept { return FLastWriteTime; }
+
+  /// The text of a string value; none when it is absent or of another type. Expandable text is not expanded.
+  [[nodiscard]] std::optional<std::u16string> Text(std::u16string_view AName, EStrings AKinds) const;
+  /// The number of a DWORD value; none when it is absent, of another type or not four bytes long.
+  [[nodiscard]] std::optional<std::uint32_t> Number(std::u16string_view AName) const noexcept;
+  /// Whether a number exists and is not 0.
+  [[nodiscard]] bool Flag(std::u16string_view AName) const noexcept { return Number(AName).value_or(0) != 0; }
+  /// The strings of a multi-string value; none when it is absent or of another type.
+  [[nodiscard]] std::optional<std::vector<std::u16string>> Strings(std::u16string_view AName) const;
+
+ private:
+  struct TEntry {
+    std::uint32_t NameOffset;  ///< into FNames
+    std::uint32_t NameLength;
+    std::uint32_t DataOffset;  ///< into FData
+    std::uint32_t DataSize;
+    std::uint32_t Type;
+  };
+  [[nodiscard]] const TEntry* Find(std::u16string_view AName) const noexcept;
+  [[nodiscard]] std::span<const std::byte> DataOf(const TEntry& AEntry) const noexcept;
+
+  std::vector<TEntry> FEntries;
+  std::u16string FNames;
+  std::vector<std::byte> FData;
+  std::uint32_t FValueCount = 0;
+  bool FMayHaveSubKeys = true;
+  std::optional<TFileTime> FLastWriteTime;
+};
+
+}  // namespace varcolin

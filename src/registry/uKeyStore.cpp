@@ -1,0 +1,33 @@
+#include "registry/uKeyStore.h"
+
+#include "registry/uRegistryEx.h"
+#include "support/uPaths.h"
+
+namespace varcolin {
+
+void TKeyStore::Put(std::u16string AKeyText, std::shared_ptr<const TKeySnapshot> ASnapshot) {
+  FSnapshots.insert_or_assign(std::move(AKeyText), std::move(ASnapshot));
+}
+
+std::shared_ptr<const TKeySnapshot> TKeyStore::Find(std::u16string_view AKeyText) const {
+  const auto found = FSnapshots.find(AKeyText);
+  return found == FSnapshots.end() ? nullptr : found->second;
+}
+
+std::shared_ptr<const TKeySnapshot> TKeyStore::Get(std::u16string_view AKeyText) const {
+  if (auto known = Find(AKeyText)) return known;
+  std::uint32_t flag = 0;
+  ERegistryRoot root = ERegistryRoot::CurrentUser;
+  std::u16string path;
+  std::u16string name;
+  TRegistryEx::ExtractKeyParams(AKeyText, flag, root, path, name);
+  std::u16string_view relative = ExcludeTrailingPathDelimiter(path);
+  if (relative.starts_with(u'\\')) relative.remove_prefix(1);
+  return TKeySnapshot::ReadAt(FRegistry, root, relative, KeyAccess::Read | flag);
+}
+
+void TKeyStore::Drop(std::u16string_view AKeyText) {
+  if (const auto found = FSnapshots.find(AKeyText); found != FSnapshots.end()) FSnapshots.erase(found);
+}
+
+}  // namespace varcolin

@@ -1,0 +1,39 @@
+// Registry keys read once for several purposes.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "registry/uKeySnapshot.h"
+#include "support/uText.h"
+
+namespace varcolin {
+
+/// The snapshots of the keys that one read of the registry has met, by their registry key texts. Whoever reads a key
+/// deposits what it got; whoever asks for a key gets that, or a fresh reading. It lives for one read, so nothing it
+/// gives is older than that. One thread.
+class TKeyStore {
+ public:
+  explicit TKeyStore(IRegistry& ARegistry) noexcept : FRegistry(ARegistry) {}
+  TKeyStore(const TKeyStore&) = delete;
+  TKeyStore& operator=(const TKeyStore&) = delete;
+
+  [[nodiscard]] IRegistry& Registry() const noexcept { return FRegistry; }
+
+  /// Deposits what the key with this text held.
+  void Put(std::u16string AKeyText, std::shared_ptr<const TKeySnapshot> ASnapshot);
+  /// What was deposited; null when nothing was.
+  [[nodiscard]] std::shared_ptr<const TKeySnapshot> Find(std::u16string_view AKeyText) const;
+  /// What was deposited, or else a fresh reading of the key (which is not deposited); null when it does not open.
+  [[nodiscard]] std::shared_ptr<const TKeySnapshot> Get(std::u16string_view AKeyText) const;
+  /// Gives the memory of one key back.
+  void Drop(std::u16string_view AKeyText);
+
+ private:
+  IRegistry& FRegistry;
+  std::unordered_map<std::u16string, std::shared_ptr<const TKeySnapshot>, TTextHash, TTextEqual> FSnapshots;
+};
+
+}  // namespace varcolin
