@@ -1,0 +1,337 @@
+// The reader of machine.json.
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/simulated/Locales.h"
+#include "platform/simulated/MachineImage.h"
+#include "platform/simulated/SimulatedPaths.h"
+#include "support/uDateTime.h"
+#include "support/uText.h"
+
+namespace varcolin {
+namespace {
+
+// Where the reader is. A line counts from its first unit that is no blank, as the parser looks one unit ahead.
+struct TPosition {
+  std::size_t Line = 1;
+  std::size_t LineBreaks = 0;
+
+  void Pass(char AUnit) noexcept {
+    if (AUnit == '\n') {
+      ++LineBreaks;
+    } else if (AUnit != ' ' && AUnit != '\t' && AUnit != '\r') {
+      Line = LineBreaks + 1;
+    }
+  }
+};
+
+class TTrackedIterator {
+ public:
+  using iterator_category = std::input_iterator_tag;
+  using value_type = char;
+  using difference_type = std::ptrdiff_t;
+  using pointer = const char*;
+  using reference = const char&;
+
+  TTrackedIterator(const char* AAt, TPosition& APosition) noexcept : FAt(AAt), FPosition(&APosition) {}
+  reference operator*() const noexcept { return *FAt; }
+  TTrackedIterator& operator++() noexcept {
+    FPosition->Pass(*FAt++);
+    return *this;
+  }
+  TTrackedIterator operator++(int) noexcept {
+    TTrackedIterator old = *this;
+    ++*this;
+    return old;
+  }
+  friend bool operator==(const TTrackedIterator& AFirst, const TTrackedIterator& ASecond) noexcept {
+    return AFirst.FAt == ASecond.FAt;
+  }
+
+ private:
+  const char* FAt;
+  TPosition* FPosition;
+};
+
+enum class EKind { Null, Bool, Integer, Fraction, String, Array, Object };
+
+// A JSON value that knows its line.
+struct TNode {
+  EKind Kind = EKind::Null;
+  std::size_t Line = 0;
+  bool Bool = false;
+  std::int64_t Integer = 0;
+  std::string String;
+  std::vector<std::pair<std::string, TNode>> Members;  // of an object; an array's have no names
+
+  [[nodiscard]] const TNode* Find(std::string_view AName) const noexcept {
+    const auto found = std::ranges::find(Members.rbegin(), Members.rend(), AName,
+                                         [](const auto& AMember) -> std::string_view { return AMember.first; });
+    return found == Members.rend() ? nullptr : &found->second;
+  }
+};
+
+// Builds the tree from the parser's events. The depth is bounded because the tree is destroyed recursively.
+class TTreeBuilder {
+ public:
+  TTreeBuilder(TPosition& APosition, std::string_view AFileName) noexcept
+      : FPosition(APosition), FFileName(AFileName), FOpen{&FTop} {}
+
+  [[nodiscard]] const TNode& Top() const noexcept { return FTop; }
+
+  bool null() { return Add(EKind::Null); }
+  bool boolean(bool AValue) {
+    Add(EKind::Bool);
+    Last().Bool = AValue;
+    return true;
+  }
+  bool number_integer(std::int64_t AValue) {
+    Add(EKind::Integer);
+    Last().Integer = AValue;
+    return true;
+  }
+  bool number_unsigned(std::uint64_t AValue) {
+    constexpr auto Max = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    return number_integer(static_cast<std::int64_t>(std::min(AValue, Max)));
+  }
+  bool number_float(double, const std::string&) { return Add(EKind::Fraction); }
+  bool string(std::string& AValue) {
+    Add(EKind::String);
+    Last().String = std::move(AValue);
+    return true;
+  }
+  bool binary(std::vector<std::uint8_t>&) { return false; }  // not in JSON texts
+  bool start_object(std::size_t) { return Open(EKind::Object); }
+  bool start_array(std::size_t) { return Open(EKind::Array); }
+  bool end_object() { return Close(); }
+  bool end_array() { return Close(); }
+  bool key(std::string& AName) {
+    FKey = std::move(AName);
+    return true;
+  }
+  bool parse_error(std::size_t, const std::string& AToken, const nlohmann::detail::exception&) {
+    constexpr std::size_t MaxShown = 40;
+    throw EImageError(FFileName, FPosition.Line,
+                      u"the text is no JSON document from \"" + FromUtf8(AToken).substr(0, MaxShown) + u"\" on");
+  }
+
+ private:
+  bool Add(EKind AKind) {
+    TNode& node = FOpen.back()->Members.emplace_back(std::move(FKey), TNode{}).second;
+    node.Kind = AKind;
+    node.Line = FPosition.Line;
+    FKey.clear();
+    return true;
+  }
+  TNode& Last() { return FOpen.back()->Members.back().second; }
+  bool Open(EKind AKind) {
+    constexpr std::size_t MaxDepth = 32;
+    if (FOpen.size() > MaxDepth) throw EImageError(FFileName, FPosition.Line, u"values are nested too deeply");
+    Add(AKind);
+    FOpen.push_back(&Last());
+    return true;
+  }
+  bool Close() {
+    FOpen.pop_back();
+    return true;
+  }
+
+  TPosition& FPosition;
+  std::string_view FFileName;
+  TNode FTop;
+  std::vector<TNode*> FOpen;
+  std::string FKey;
+};
+
+// Typed access to the members of one object; a member that is not there leaves the target as it is.
+class TReader {
+ public:
+  TReader(const TNode& AObject, std::string_view AFileName) : FObject(AObject), FFileName(AFileName) {}
+
+  [[noreturn]] void Fail(const TNode& ANode, std::u16string_view AMessage) const {
+    throw EImageError(FFileName, ANode.Line, AMessage);
+  }
+
+  [[nodiscard]] const TNode* Find(std::string_view AName, EKind AKind, std::u16string_view AKindText) const {
+    const TNode* const node = FObject.Find(AName);
+    if (node != nullptr && node->Kind != AKind) {
+      Fail(*node, u"\"" + FromUtf8(AName) + u"\" must be " + std::u16string(AKindText));
+    }
+    return node;
+  }
+  template <class T>
+  void Number(std::string_view AName, T& AValue) const {
+    constexpr std::int64_t Max = std::numeric_limits<T>::max();
+    const TNode* const node = Find(AName, EKind::Integer, u"a whole number");
+    if (node == nullptr) return;
+    if (node->Integer < 0 || node->Integer > Max) {
+      Fail(*node, u"\"" + FromUtf8(AName) + u"\" must lie between 0 and " + IntToStr(Max));
+    }
+    AValue = static_cast<T>(node->Integer);
+  }
+  void Bool(std::string_view AName, bool& AValue) const {
+    if (const TNode* const node = Find(AName, EKind::Bool, u"true or false")) AValue = node->Bool;
+  }
+  // The text of a member; null when it is not there.
+  [[nodiscard]] const TNode* Text(std::string_view AName, std::u16string& AValue) const {
+    const TNode* const node = Find(AName, EKind::String, u"a text");
+    if (node != nullptr) AValue = FromUtf8(node->String);
+    return node;
+  }
+  [[nodiscard]] const TNode* Object(std::string_view AName) const { return Find(AName, EKind::Object, u"an object"); }
+
+  template <class T, std::size_t N>
+  void Word(std::string_view AName, const std::pair<std::string_view, T> (&AWords)[N], T& AValue) const {
+    std::u16string text;
+    const TNode* const node = Text(AName, text);
+    if (node == nullptr) return;
+    std::u16string known;
+    for (const auto& [word, value] : AWords) {
+      if (node->String == word) {
+        AValue = value;
+        return;
+      }
+      known += (known.empty() ? u"\"" : u", \"") + FromUtf8(word) + u"\"";
+    }
+    Fail(*node, u"\"" + FromUtf8(AName) + u"\" must be one of " + known);
+  }
+
+ private:
+  const TNode& FObject;
+  std::string_view FFileName;
+};
+
+// "2012-08-09T10:11:12", a "Z" may follow.
+bool TryTextToTime(std::u16string_view AText, TFileTime& ATime) {
+  if (AText.ends_with(u'Z')) AText.remove_suffix(1);
+  if (AText.size() != 19 || AText[4] != u'-' || AText[7] != u'-' || AText[10] != u'T' || AText[13] != u':' ||
+      AText[16] != u':') {
+    return false;
+  }
+  std::uint32_t year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+  if (!TryDigitsToInt(AText.substr(0, 4), year) || !TryDigitsToInt(AText.substr(5, 2), month) ||
+      !TryDigitsToInt(AText.substr(8, 2), day) || !TryDigitsToInt(AText.substr(11, 2), hour) ||
+      !TryDigitsToInt(AText.substr(14, 2), minute) || !TryDigitsToInt(AText.substr(17, 2), second)) {
+    return false;
+  }
+  TSystemTime time;
+  time.Year = static_cast<std::uint16_t>(year);
+  time.Month = static_cast<std::uint16_t>(month);
+  time.Day = static_cast<std::uint16_t>(day);
+  time.Hour = static_cast<std::uint16_t>(hour);
+  time.Minute = static_cast<std::uint16_t>(minute);
+  time.Second = static_cast<std::uint16_t>(second);
+  const TFileTime result = SystemTimeToFileTime(time);
+  if (result.Ticks == 0) return false;
+  ATime = result;
+  return true;
+}
+
+bool IsSid(std::u16string_view AText) {
+  constexpr std::size_t MaxLength = 184;
+  return AText.size() <= MaxLength && AText.starts_with(u"S-1-") && !AText.ends_with(u'-') &&
+         std::ranges::all_of(AText.substr(4),
+                             [](char16_t AUnit) { return AUnit == u'-' || (AUnit >= u'0' && AUnit <= u'9'); });
+}
+
+bool IsFullPath(std::u16string_view AText) {
+  TResolvedPath path;
+  return AText.size() > 3 && AText[1] == u':' && AText[2] == u'\\' &&
+         ResolvePath(AText, u"C:\\", false, path) == WinError::Success && !path.Parts.empty();
+}
+
+void ReadWindows(const TReader& AReader, TSimulatedFacts& AFacts) {
+  static constexpr std::pair<std::string_view, std::uint8_t> ProductTypes[] = {
+      {"workstation", ProductType::Workstation},
+      {"server", ProductType::Server},
+      {"domainController", ProductType::DomainController}};
+  static constexpr std::pair<std::string_view, std::uint16_t> Architectures[] = {
+      {"x64", Architecture::Amd64}, {"x86", Architecture::Intel}, {"itanium", Architecture::Itanium}};
+  TVersionFacts& version = AFacts.Version;
+  AReader.Number("major", version.Major);
+  AReader.Number("minor", version.Minor);
+  AReader.Number("build", version.Build);
+  AReader.Word("productType", ProductTypes, version.ProductType);
+  std::uint8_t servicePack = static_cast<std::uint8_t>(version.ServicePackMajor);
+  AReader.Number("servicePack", servicePack);
+  version.ServicePackMajor = servicePack;
+  version.ServicePackText = servicePack == 0 ? std::u16string{} : u"Service Pack " + IntToStr(servicePack);
+  AReader.Number("suiteMask", version.SuiteMask);
+  AReader.Number("productInfo", AFacts.ProductInfo);
+  AReader.Word("architecture", Architectures, AFacts.NativeArchitecture);
+}
+
+void ReadUser(const TReader& AReader, TSimulatedFacts& AFacts) {
+  if (const TNode* const name = AReader.Text("name", AFacts.UserName); name && !IsFileName(AFacts.UserName)) {
+    AReader.Fail(*name, u"\"name\" cannot be the name of a user");
+  }
+  if (const TNode* const sid = AReader.Text("sid", AFacts.UserSid); sid && !IsSid(AFacts.UserSid)) {
+    AReader.Fail(*sid, u"\"sid\" is no security identifier (S-1-5-21-...)");
+  }
+  AReader.Bool("admin", AFacts.UserIsAdmin);
+}
+
+void ReadEnvironment(const TNode& AObject, const TReader& AReader, TSimulatedFacts& AFacts) {
+  for (const auto& [name, value] : AObject.Members) {
+    const std::u16string variable = FromUtf8(name);
+    if (variable.empty() || variable.find_first_of(std::u16string_view(u"=\0", 2)) != std::u16string::npos) {
+      AReader.Fail(value, u"\"" + variable + u"\" cannot be the name of an environment variable");
+    }
+    if (value.Kind != EKind::String) AReader.Fail(value, u"\"" + variable + u"\" must be a text");
+    std::u16string text = FromUtf8(value.String);
+    text.resize(std::min(text.size(), text.find(u'\0')));
+    if (SameText(variable, u"SystemRoot") && !IsFullPath(text)) {
+      AReader.Fail(value, u"\"" + variable + u"\" must be the full path of a folder");
+    }
+    AFacts.Environment.insert_or_assign(variable, std::move(text));
+  }
+}
+
+}  // namespace
+
+TSimulatedFacts ParseFacts(std::span<const std::byte> AText, std::string_view AFileName) {
+  const char* const begin = reinterpret_cast<const char*>(AText.data());
+  TPosition position;
+  TTreeBuilder builder(position, AFileName);
+  if (!nlohmann::json::sax_parse(TTrackedIterator(begin, position), TTrackedIterator(begin + AText.size(), position),
+                                 &builder)) {
+    throw EImageError(AFileName, position.Line, u"the text is no JSON document");
+  }
+  const TNode& root = builder.Top().Members.front().second;
+  TSimulatedFacts facts;
+  const TReader reader(root, AFileName);
+  if (root.Kind != EKind::Object) reader.Fail(root, u"the document must be an object");
+  if (const TNode* const windows = reader.Object("windows")) ReadWindows(TReader(*windows, AFileName), facts);
+  facts.IsWow64 = facts.Is64Bit();
+  reader.Bool("wow64", facts.IsWow64);
+  if (facts.IsWow64 && !facts.Is64Bit()) {
+    reader.Fail(*root.Find("wow64"), u"\"wow64\" cannot be true on a 32-bit system");
+  }
+  if (const TNode* const user = reader.Object("user")) ReadUser(TReader(*user, AFileName), facts);
+  TLocale locale;
+  if (const TNode* const node = reader.Text("locale", facts.LocaleName);
+      node && !FindLocale(facts.LocaleName, locale)) {
+    reader.Fail(*node, u"\"locale\" names no locale of Windows (as \"en-US\" does)");
+  }
+  if (const TNode* const environment = reader.Object("environment")) ReadEnvironment(*environment, reader, facts);
+  std::u16string now;
+  if (const TNode* const node = reader.Text("now", now); node && !TryTextToTime(now, facts.Now)) {
+    reader.Fail(*node, u"\"now\" must be a time as 2012-08-09T10:11:12");
+  }
+  return facts;
+}
+
+TSimulatedFacts ReadFacts(const IImageSource& AImage) {
+  constexpr std::string_view Name = "machine.json";
+  if (!AImage.HasFile(Name)) return {};
+  std::vector<std::byte> buffer;
+  return ParseFacts(AImage.Read(Name, buffer), Name);
+}
+
+}  // namespace varcolin

@@ -1,0 +1,114 @@
+#include "platform/simulated/RegistryTree.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "support/uText.h"
+
+namespace varcolin {
+
+void TDisposeValue::operator()(TStoredValue* AValue) const noexcept {
+  const std::size_t size = AValue->BlockSize();
+  std::destroy_at(AValue);
+  std::allocator<std::byte>().deallocate(reinterpret_cast<std::byte*>(AValue), size);
+}
+
+TStoredValuePtr TStoredValue::Make(std::u16string_view AName, std::uint32_t AType, std::span<const std::byte> AData,
+                                   std::uint32_t ASequence) {
+  const std::size_t nameSize = AName.size() * sizeof(char16_t);
+  std::byte* block = std::allocator<std::byte>().allocate(sizeof(TStoredValue) + nameSize + AData.size());
+  TStoredValuePtr value(::new (static_cast<void*>(block)) TStoredValue(
+      AType, static_cast<std::uint32_t>(AData.size()), ASequence, static_cast<std::uint16_t>(AName.size())));
+  block += sizeof(TStoredValue);
+  if (nameSize != 0) std::memcpy(block, AName.data(), nameSize);
+  if (!AData.empty()) std::memcpy(block + nameSize, AData.data(), AData.size());
+  return value;
+}
+
+bool TStoredValue::Overwrite(std::uint32_t AType, std::span<const std::byte> AData) noexcept {
+  if (AData.size() != FDataSize) return false;
+  FType = AType;
+  std::byte* data = reinterpret_cast<std::byte*>(this + 1) + FNameLength * sizeof(char16_t);
+  if (!AData.empty()) std::memmove(data, AData.data(), AData.size());
+  return true;
+}
+
+int TValueList::TCompareNames::operator()(const TStoredValue* AValue, std::u16string_view AName) const noexcept {
+  return CompareText(AValue->Name(), AName);
+}
+
+const TStoredValue* TValueList::Find(std::u16string_view AName) const {
+  if (FIndex) {
+    const TStoredValue* const* found = FIndex->Find(AName);
+    return found == nullptr ? nullptr : *found;
+  }
+  for (const TStoredValuePtr& item : FItems) {
+    if (item->Name().size() == AName.size() && SameText(item->Name(), AName)) return item.get();
+  }
+  return nullptr;
+}
+
+std::size_t TValueList::PositionOf(const TStoredValue& AValue) const {
+  const auto found = std::partition_point(FItems.begin(), FItems.end(), [&](const TStoredValuePtr& AItem) {
+    return AItem->Sequence() < AValue.Sequence();
+  });
+  return static_cast<std::size_t>(found - FItems.begin());
+}
+
+void TValueList::Set(std::u16string_view AName, std::uint32_t AType, std::span<const std::byte> AData) {
+  if (const TStoredValue* found = Find(AName)) {
+    TStoredValuePtr& item = FItems[PositionOf(*found)];
+    if (item->Overwrite(AType, AData)) return;
+    TStoredValuePtr fresh = TStoredValue::Make(item->Name(), AType, AData, item->Sequence());
+    if (FIndex) *FIndex->Find(AName) = fresh.get();
+    item = std::move(fresh);
+    return;
+  }
+  FItems.push_back(TStoredValue::Make(AName, AType, AData, ++FLastSequence));
+  if (FIndex) {
+    FIndex->Insert(AName, FItems.back().get());
+  } else if (FItems.size() == IndexFrom) {
+    FIndex = std::make_unique<TIndex>();
+    for (const TStoredValuePtr& item : FItems) FIndex->Insert(item->Name(), item.get());
+  }
+}
+
+bool TValueList::Remove(std::u16string_view AName) {
+  const TStoredValue* found = Find(AName);
+  if (found == nullptr) return false;
+  if (FIndex) FIndex->Take(AName);
+  FItems.erase(FItems.begin() + static_cast<std::ptrdiff_t>(PositionOf(*found)));
+  return true;
+}
+
+void TValueList::Clear() noexcept {
+  FIndex.reset();
+  FItems.clear();
+}
+
+int TRegistryNode::TCompareNames::operator()(const TRegistryNodePtr& AChild, std::u16string_view AName) const noexcept {
+  return CompareText(AChild->Name, AName);
+}
+
+TRegistryNode* TRegistryNode::FindChild(std::u16string_view AName) const {
+  const TRegistryNodePtr* found = FChildren.Find(AName);
+  return found == nullptr ? nullptr : found->get();
+}
+
+TRegistryNode& TRegistryNode::AddChild(std::u16string_view AName, TFileTime ATime) {
+  auto child = std::make_unique<TRegistryNode>(this, AName, ATime);
+  TRegistryNode& result = *child;
+  FChildren.Insert(AName, std::move(child));
+  ++Version;
+  return result;
+}
+
+TRegistryNodePtr TRegistryNode::TakeChild(std::u16string_view AName) {
+  ++Version;
+  TRegistryNodePtr child = FChildren.Take(AName);
+  child->Parent = nullptr;
+  return child;
+}
+
+}  // namespace varcolin

@@ -1,0 +1,136 @@
+#include "platform/simulated/SimulatedSync.h"
+
+#include "support/uText.h"
+
+namespace varcolin {
+
+namespace {
+
+constexpr std::u16string_view LocalPrefix = u"Local\\";
+constexpr std::u16string_view GlobalPrefix = u"Global\\";
+
+// The name as the object table holds it: "Local\X" is X. Names are case-sensitive, their prefixes too.
+TWinError MutexName(std::u16string_view AName, std::u16string& AResult) {
+  std::u16string_view rest = AName;
+  if (rest.starts_with(LocalPrefix)) {
+    AName.remove_prefix(LocalPrefix.size());
+    rest = AName;
+  } else if (rest.starts_with(GlobalPrefix)) {
+    rest.remove_prefix(GlobalPrefix.size());
+  }
+  if (rest.find(u'\\') != std::u16string_view::npos) return WinError::PathNotFound;
+  AResult = AName;
+  return WinError::Success;
+}
+
+}  // namespace
+
+TWinError TSimulatedSync::MakeEvent(bool ASignaled, TEvent& AEvent) {
+  auto signal = std::make_shared<TClockSignal>();
+  if (ASignaled) FClock.Change(*signal, true);
+  std::uintptr_t handle = 0;
+  {
+    const std::lock_guard lock(FMutex);
+    handle = NewHandle();
+    FEvents.emplace(handle, std::move(signal));
+  }
+  AEvent = TEvent(*this, handle);  // outside the lock: this may close the event that was there
+  return WinError::Success;
+}
+
+std::shared_ptr<TClockSignal> TSimulatedSync::ShareEvent(const TEvent& AEvent) {
+  const std::lock_guard lock(FMutex);
+  const auto found = FEvents.find(AEvent.Value());
+  return found == FEvents.end() ? nullptr : found->second;
+}
+
+void TSimulatedSync::SignalEvent(const TEvent& AEvent) noexcept {
+  if (const auto signal = ShareEvent(AEvent)) FClock.Change(*signal, true);
+}
+
+void TSimulatedSync::ResetSignal(const TEvent& AEvent) noexcept {
+  if (const auto signal = ShareEvent(AEvent)) FClock.Change(*signal, false);
+}
+
+EWaitResult TSimulatedSync::WaitForEvent(const TEvent& AEvent, std::uint32_t ATimeout) {
+  const auto signal = ShareEvent(AEvent);
+  if (!signal) return EWaitResult::Failed;
+  return FClock.Wait(signal.get(), ATimeout) ? EWaitResult::Signaled : EWaitResult::TimedOut;
+}
+
+void TSimulatedSync::SleepFor(std::uint32_t ATime) {
+  if (ATime == 0) std::this_thread::yield();
+  static_cast<void>(FClock.Wait(nullptr, ATime));
+}
+
+TWinError TSimulatedSync::MakeNamedMutex(std::u16string_view AName, TNamedMutex& AMutex, bool& AExisted) {
+  std::u16string name;
+  if (const TWinError error = MutexName(AName, name); error != WinError::Success) return error;
+  std::uintptr_t handle = 0;
+  bool existed = false;
+  {
+    const std::lock_guard lock(FMutex);
+    handle = NewHandle();
+    if (!name.empty()) existed = FMutexNames[name]++ != 0;  // one without a name is nobody else's
+    FMutexes.emplace(handle, std::move(name));
+  }
+  AExisted = existed;
+  AMutex = TNamedMutex(*this, handle);
+  return WinError::Success;
+}
+
+TWinError TSimulatedSync::OpenNamedMutex(std::u16string_view AName, TNamedMutex& AMutex) {
+  std::u16string name;
+  if (const TWinError error = MutexName(AName, name); error != WinError::Success) return error;
+  if (name.empty()) return WinError::InvalidHandle;
+  std::uintptr_t handle = 0;
+  {
+    const std::lock_guard lock(FMutex);
+    const auto found = FMutexNames.find(name);
+    if (found == FMutexNames.end()) return WinError::FileNotFound;
+    ++found->second;
+    handle = NewHandle();
+    FMutexes.emplace(handle, std::move(name));
+  }
+  AMutex = TNamedMutex(*this, handle);
+  return WinError::Success;
+}
+
+void TSimulatedSync::ReleaseName(const std::u16string& AName) {
+  const auto found = FMutexNames.find(AName);
+  if (found != FMutexNames.end() && --found->second == 0) FMutexNames.erase(found);
+}
+
+void TSimulatedSync::CloseValue(TEventTag, std::uintptr_t AEvent) noexcept {
+  const std::lock_guard lock(FMutex);
+  FEvents.erase(AEvent);
+}
+
+void TSimulatedSync::CloseValue(TMutexTag, std::uintptr_t AMutex) noexcept {
+  const std::lock_guard lock(FMutex);
+  const auto found = FMutexes.find(AMutex);
+  if (found == FMutexes.end()) return;
+  ReleaseName(found->second);
+  FMutexes.erase(found);
+}
+
+std::size_t TSimulatedSync::OpenHandleCount() {
+  const std::lock_guard lock(FMutex);
+  return FEvents.size() + FMutexes.size();
+}
+
+void TSimulatedSync::HoldMutex(std::u16string_view AName) {
+  std::u16string name;
+  if (MutexName(AName, name) != WinError::Success || name.empty()) return;
+  const std::lock_guard lock(FMutex);
+  ++FMutexNames[name];
+}
+
+void TSimulatedSync::ReleaseMutex(std::u16string_view AName) {
+  std::u16string name;
+  if (MutexName(AName, name) != WinError::Success) return;
+  const std::lock_guard lock(FMutex);
+  ReleaseName(name);
+}
+
+}  // namespace varcolin
