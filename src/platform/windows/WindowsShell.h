@@ -1,0 +1,21 @@
+// IShell over the real Windows calls.
+#pragma once
+
+#include "platform/Shell.h"
+#include "platform/windows/LateBinding.h"
+
+namespace varcolin {
+
+class TWindowsShell final : public IShell {
+ public:
+  [[nodiscard]] TWinError GetSpecialFolder(std::int32_t ACsidl, std::u16string& APath) override;
+  [[nodiscard]] TWinError QueryIsOS(std::uint32_t AKind, bool& AAnswer) override;
+
+ private:
+  static constexpr WORD IsOSOrdinal = 437;  // exported without a name before Windows Vista
+
+  TLateLibrary FShlwapi{L"shlwapi.dll"};
+  TLateFunction<BOOL WINAPI(DWORD)> FIsOS{FShlwapi, MAKEINTRESOURCEA(IsOSOrdinal)};
+};
+
+}  // namespace varcolin

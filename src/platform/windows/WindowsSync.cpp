@@ -1,0 +1,64 @@
+#include "platform/windows/WindowsSync.h"
+
+#include "platform/windows/WindowsApi.h"
+
+namespace varcolin {
+
+namespace {
+
+[[nodiscard]] HANDLE ToHandle(std::uintptr_t AValue) noexcept { return reinterpret_cast<HANDLE>(AValue); }
+[[nodiscard]] std::uintptr_t ToValue(HANDLE AHandle) noexcept { return reinterpret_cast<std::uintptr_t>(AHandle); }
+
+}  // namespace
+
+TWinError TWindowsSync::MakeEvent(bool ASignaled, TEvent& AEvent) {
+  const HANDLE handle = CreateEventW(nullptr, TRUE, ASignaled ? TRUE : FALSE, nullptr);
+  if (handle == nullptr) return LastFailure();
+  AEvent = TEvent(*this, ToValue(handle));
+  return WinError::Success;
+}
+
+void TWindowsSync::SignalEvent(const TEvent& AEvent) noexcept { SetEvent(ToHandle(AEvent.Value())); }
+
+void TWindowsSync::ResetSignal(const TEvent& AEvent) noexcept { ResetEvent(ToHandle(AEvent.Value())); }
+
+EWaitResult TWindowsSync::WaitForEvent(const TEvent& AEvent, std::uint32_t ATimeout) {
+  switch (WaitForSingleObject(ToHandle(AEvent.Value()), ATimeout)) {
+    case WAIT_OBJECT_0:
+      return EWaitResult::Signaled;
+    case WAIT_TIMEOUT:
+      return EWaitResult::TimedOut;
+    default:
+      return EWaitResult::Failed;
+  }
+}
+
+void TWindowsSync::SleepFor(std::uint32_t ATime) { Sleep(ATime); }
+
+std::uint32_t TWindowsSync::TickCount() { return GetTickCount(); }
+
+TWinError TWindowsSync::MakeNamedMutex(std::u16string_view AName, TNamedMutex& AMutex, bool& AExisted) {
+  const TApiText name(AName);
+  if (!name.IsWhole()) return WinError::InvalidName;
+  SetLastError(ERROR_SUCCESS);
+  const HANDLE handle = CreateMutexW(nullptr, FALSE, name.Get());
+  if (handle == nullptr) return LastFailure();
+  AExisted = GetLastError() == ERROR_ALREADY_EXISTS;
+  AMutex = TNamedMutex(*this, ToValue(handle));
+  return WinError::Success;
+}
+
+TWinError TWindowsSync::OpenNamedMutex(std::u16string_view AName, TNamedMutex& AMutex) {
+  const TApiText name(AName);
+  if (!name.IsWhole()) return WinError::InvalidName;
+  const HANDLE handle = OpenMutexW(MUTEX_ALL_ACCESS, FALSE, name.Get());
+  if (handle == nullptr) return LastFailure();
+  AMutex = TNamedMutex(*this, ToValue(handle));
+  return WinError::Success;
+}
+
+void TWindowsSync::CloseValue(TEventTag, std::uintptr_t AEvent) noexcept { CloseHandle(ToHandle(AEvent)); }
+
+void TWindowsSync::CloseValue(TMutexTag, std::uintptr_t AMutex) noexcept { CloseHandle(ToHandle(AMutex)); }
+
+}  // namespace varcolin
