@@ -1,0 +1,41 @@
+// A whole machine behind one gate.
+#pragma once
+
+#include "platform/Machine.h"
+#include "platform/decorators/ForwardingFiles.h"
+#include "platform/decorators/ForwardingModules.h"
+#include "platform/decorators/ForwardingRegistry.h"
+#include "platform/decorators/ForwardingSystem.h"
+
+namespace varcolin {
+
+/// Puts a gate in front of a machine's registry, files, system facts, modules, shell, icons and processes. Waiting,
+/// message boxes and COM pass as they are. The inner machine and the gate outlive it.
+class TForwardingMachine {
+ public:
+  TForwardingMachine(const TMachine& AInner, ICallGate& AGate)
+      : FInner(AInner),
+        FRegistry(AInner.Registry, AGate),
+        FFiles(AInner.Files, AGate),
+        FSystem(AInner.System, AGate),
+        FModules(AInner.Modules, AGate),
+        FShell(AInner.Shell, AGate),
+        FIcons(AInner.Icons, AGate),
+        FProcesses(AInner.Processes, AGate) {}
+
+  [[nodiscard]] TMachine Facilities() noexcept {
+    return {FInner.Sync, FRegistry, FFiles, FSystem, FModules, FShell, FIcons, FProcesses, FInner.Messages, FInner.Com};
+  }
+
+ private:
+  TMachine FInner;
+  TForwardingRegistry FRegistry;
+  TForwardingFiles FFiles;
+  TForwardingSystemFacts FSystem;
+  TForwardingModules FModules;
+  TForwardingShell FShell;
+  TForwardingIcons FIcons;
+  TForwardingProcesses FProcesses;
+};
+
+}  // namespace varcolin
