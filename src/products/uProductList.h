@@ -1,0 +1,139 @@
+// The process-wide list of one class of product.
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "products/uItemProduct.h"
+#include "support/uText.h"
+
+namespace varcolin {
+
+/// Records in insertion order, with indexes by identity and by display name, so that no look-up walks the list. The
+/// list shares ownership: a record that is taken out lives on for whoever still holds it. Operations take the lock by
+/// themselves; it is re-entrant, so a caller may hold it over several of them.
+template <class TItem>
+class TProductList {
+ public:
+  using TPointer = std::shared_ptr<TItem>;
+
+  void Lock() { FLock.lock(); }
+  void Unlock() { FLock.unlock(); }
+  [[nodiscard]] std::recursive_mutex& Mutex() noexcept { return FLock; }
+
+  /// Number of records; takes no lock.
+  [[nodiscard]] std::size_t Count() const noexcept { return FCount; }
+  /// The record at an index; null when there is none.
+  [[nodiscard]] TPointer At(std::size_t AIndex) {
+    const std::lock_guard lock(FLock);
+    return AIndex < FItems.size() ? FItems[AIndex] : nullptr;
+  }
+  /// The records as they stand now. A walk over the copy is safe whatever happens to the list meanwhile.
+  [[nodiscard]] std::vector<TPointer> Snapshot() {
+    const std::lock_guard lock(FLock);
+    return FItems;
+  }
+  /// Appends a record, whose identity and display name no longer change.
+  void Append(TPointer AItem) {
+    const std::lock_guard lock(FLock);
+    FByIdentity[Identity(AItem->FGUID, AItem->FDisplayNameNative, AItem->FLocation)].push_back(AItem.get());
+    FByDisplayName[AItem->FDisplayName].push_back(AItem.get());
+    FItems.push_back(std::move(AItem));
+    FCount = FItems.size();
+  }
+  /// The first record with this identity; null when there is none.
+  [[nodiscard]] TPointer Find(std::u16string_view AGuid, std::u16string_view AName, TTypeUninstallLocation ALocation) {
+    const std::lock_guard lock(FLock);
+    return First(FByIdentity, Identity(AGuid, AName, ALocation));
+  }
+  /// The first record with this display name; null when there is none.
+  [[nodiscard]] TPointer FindByDisplayName(std::u16string_view AName) {
+    const std::lock_guard lock(FLock);
+    return First(FByDisplayName, AName);
+  }
+  /// Takes out every record that AIsGone names, asked from the last record to the first, in one pass. An exception of
+  /// AIsGone leaves the list as far as it had been asked.
+  void RemoveWhere(const std::function<bool(const TItem&)>& AIsGone) {
+    const std::lock_guard lock(FLock);
+    std::vector<bool> gone(FItems.size());
+    const auto sweep = [&] {
+      std::size_t kept = 0;
+      for (std::size_t index = 0; index < FItems.size(); ++index) {
+        if (gone[index]) {
+          Forget(*FItems[index]);
+        } else {
+          if (kept != index) FItems[kept] = std::move(FItems[index]);
+          ++kept;
+        }
+      }
+      FItems.resize(kept);
+      FCount = kept;
+    };
+    try {
+      for (std::size_t index = FItems.size(); index-- > 0;) gone[index] = AIsGone(*FItems[index]);
+    } catch (...) {
+      sweep();
+      throw;
+    }
+    sweep();
+  }
+  /// Takes one record out; false when it is not in the list.
+  bool Remove(const TItem& AItem) {
+    const std::lock_guard lock(FLock);
+    const auto found =
+        std::find_if(FItems.begin(), FItems.end(), [&](const auto& item) { return item.get() == &AItem; });
+    if (found == FItems.end()) return false;
+    Forget(AItem);
+    FItems.erase(found);
+    FCount = FItems.size();
+    return true;
+  }
+  void Clear() {
+    const std::lock_guard lock(FLock);
+    FByIdentity.clear();
+    FByDisplayName.clear();
+    FItems.clear();
+    FCount = 0;
+  }
+
+ private:
+  using TIndex = std::unordered_map<std::u16string, std::vector<TItem*>, TTextHash, TTextEqual>;
+
+  [[nodiscard]] static std::u16string Identity(std::u16string_view AGuid, std::u16string_view AName,
+                                               TTypeUninstallLocation ALocation) {
+    std::u16string key(AGuid);
+    key.push_back(u'\0');
+    key.push_back(static_cast<char16_t>(u'0' + static_cast<int>(ALocation)));
+    key.append(AName);
+    return key;
+  }
+  [[nodiscard]] TPointer First(const TIndex& AIndex, std::u16string_view AKey) const {
+    const auto found = AIndex.find(AKey);
+    if (found == AIndex.end()) return nullptr;
+    return std::static_pointer_cast<TItem>(found->second.front()->shared_from_this());
+  }
+  void Forget(const TItem& AItem) {
+    Unindex(FByIdentity, Identity(AItem.FGUID, AItem.FDisplayNameNative, AItem.FLocation), AItem);
+    Unindex(FByDisplayName, AItem.FDisplayName, AItem);
+  }
+  static void Unindex(TIndex& AIndex, std::u16string_view AKey, const TItem& AItem) {
+    const auto found = AIndex.find(AKey);
+    std::erase(found->second, &AItem);
+    if (found->second.empty()) AIndex.erase(found);
+  }
+
+  std::recursive_mutex FLock;
+  std::vector<TPointer> FItems;
+  TIndex FByIdentity;
+  TIndex FByDisplayName;
+  std::atomic<std::size_t> FCount{0};
+};
+
+}  // namespace varcolin
