@@ -1,0 +1,97 @@
+#include "library/uModules.h"
+
+#include <iterator>
+#include <memory>
+
+#include "library/uVarcolin.h"
+#include "locations/uLocationExeInfo.h"
+#include "locations/uLocationRegistryUninstall.h"
+#include "locations/uLocationUninstall.h"
+#include "locations/uLocationVistaUpdate.h"
+#include "platform/Com.h"
+#include "platform/Files.h"
+#include "platform/Icons.h"
+#include "platform/MessageBoxes.h"
+#include "platform/Modules.h"
+#include "platform/Processes.h"
+#include "platform/Registry.h"
+#include "platform/Shell.h"
+#include "platform/Sync.h"
+#include "platform/SystemFacts.h"
+#include "products/uItemProductIntf.h"
+#include "products/uItemProgram.h"
+#include "products/uItemUpdate.h"
+#include "products/uThreadExceptionHandler.h"
+#include "services/uAxDebug.h"
+#include "services/uDLLGlobals.h"
+#include "services/uDLLStringsLocalized.h"
+#include "services/uFileUtils.h"
+#include "services/uLibraryList.h"
+#include "services/uStatisticsLog.h"
+#include "services/uSuiteSetup.h"
+#include "support/uAxWinVersionInfo.h"
+#include "support/uWindowsExt.h"
+
+namespace varcolin {
+
+namespace {
+
+struct TModuleRow {
+  void (*Load)(const TMachine& AMachine);
+  void (*Unload)() noexcept;
+};
+
+void NothingToUnload() noexcept {}
+
+void LoadLocations(const TMachine& AMachine) {
+  TLocationUninstall::Load(AMachine.Sync, AMachine.Com);
+  TLocationRegistryUninstall::Load(AMachine.Registry);
+  TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationExeInfo>(); });
+  TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationRegistryUninstall>(); });
+  TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationVistaUpdate>(); });
+}
+
+void UnloadLocations() noexcept {
+  TLocationUninstall::Unload();
+  TLocationRegistryUninstall::Unload();
+}
+
+/// Each row may use the rows above it.
+constexpr TModuleRow ModuleTable[] = {
+    {[](const TMachine& M) { WinVersionInfo::Load(M.System, M.Shell, M.Modules); }, &WinVersionInfo::Unload},
+    {[](const TMachine& M) { WindowsExt::Load(M.Processes, M.System, M.Sync); }, &WindowsExt::Unload},
+    {[](const TMachine&) { DLLStringsLocalized::Load(); }, &DLLStringsLocalized::Unload},
+    {[](const TMachine& M) { SiblingLoader::Load(M.Modules, M.Messages, M.Processes); }, &SiblingLoader::Unload},
+    {[](const TMachine& M) { DLLGlobals::Load(M.System, M.Modules); }, &DLLGlobals::Unload},
+    {[](const TMachine& M) { AxDebug::Load(M.Registry, M.Files, M.Modules, M.Processes); }, &AxDebug::Unload},
+    {[](const TMachine& M) { LoadSuite(M.System, M.Modules, M.Sync, M.Messages); }, &NothingToUnload},
+    {[](const TMachine& M) { FileUtils::Load(M.Files, M.System, M.Registry); }, &FileUtils::Unload},
+    {[](const TMachine& M) { StatisticsLog::Load(M.Registry, M.Files, M.System, M.Modules, M.Com); },
+     &StatisticsLog::Unload},
+    {[](const TMachine& M) { TThreadExceptionHandler::Load(M.Messages); }, &TThreadExceptionHandler::Unload},
+    {[](const TMachine& M) { TItemProduct::Load(M.System); }, &TItemProduct::Unload},
+    {[](const TMachine& M) { TItemProgram::Load(M.Registry, M.Files, M.Icons); }, &TItemProgram::Unload},
+    {[](const TMachine& M) { TItemUpdate::Load(M.Icons); }, &TItemUpdate::Unload},
+    {[](const TMachine& M) { TItemProductIntf::Load(M.Modules); }, &TItemProductIntf::Unload},
+    {&LoadLocations, &UnloadLocations},
+    {[](const TMachine&) { TVarcolin::Load(); }, &TVarcolin::Unload},
+};
+
+}  // namespace
+
+TLibraryModules::TLibraryModules(const TMachine& AMachine) {
+  try {
+    for (; FLoaded < std::size(ModuleTable); ++FLoaded) ModuleTable[FLoaded].Load(AMachine);
+  } catch (...) {
+    UnloadAll();
+    throw;
+  }
+}
+
+TLibraryModules::~TLibraryModules() { UnloadAll(); }
+
+void TLibraryModules::UnloadAll() noexcept {
+  while (FLoaded > 0) ModuleTable[--FLoaded].Unload();
+}
+
+}  // namespace varcolin

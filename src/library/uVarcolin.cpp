@@ -1,0 +1,82 @@
+#include "library/uVarcolin.h"
+
+#include "intf/intf_Quillet.h"
+#include "locations/uLocationUninstall.h"
+#include "products/uInterfaceGuard.h"
+#include "products/uItemProductCollection.h"
+#include "services/uDLLStringsLocalized.h"
+#include "services/uLibraryList.h"
+
+namespace varcolin {
+
+namespace {
+
+/// ASCII letters only: a GUID has no others, and no other unit may pass for one of them.
+bool SameGuidText(std::u16string_view AFirst, std::u16string_view ASecond) noexcept {
+  const auto lower = [](char16_t AUnit) { return AUnit >= u'A' && AUnit <= u'Z' ? char16_t(AUnit + 32) : AUnit; };
+  if (AFirst.size() != ASecond.size()) return false;
+  for (std::size_t index = 0; index < AFirst.size(); ++index) {
+    if (lower(AFirst[index]) != lower(ASecond[index])) return false;
+  }
+  return true;
+}
+
+template <class TCollection>
+void MakeCollection(IProductCollection** AResult) noexcept {
+  if (AResult == nullptr) return;
+  *AResult = nullptr;
+  GuardInterface([&] { *AResult = MakeObject<TCollection, IProductCollection>().Detach(); });
+}
+
+}  // namespace
+
+void TVarcolin::Load() noexcept { FHostEvent = TEventHandler{}; }
+
+void TVarcolin::Unload() noexcept { FManager.Reset(); }
+
+IVarcolin* TVarcolin::Instance(const char16_t* AGuid) {
+  if (AGuid == nullptr || !SameGuidText(AGuid, VarcolinGuidText)) return nullptr;
+  if (!FManager) FManager = MakeObject<TVarcolin, IVarcolin>();
+  return FManager.Get();
+}
+
+void VARCOLIN_CALL TVarcolin::GetPrograms(IProductCollection** AResult) {
+  MakeCollection<TItemProgramCollection>(AResult);
+}
+
+void VARCOLIN_CALL TVarcolin::GetUpdates(IProductCollection** AResult) {
+  MakeCollection<TItemUpdateCollection>(AResult);
+}
+
+TVRCState VARCOLIN_CALL TVarcolin::GetState() { return TLocationUninstall::State(); }
+
+void VARCOLIN_CALL TVarcolin::GetHostEvent(TEventHandler* AResult) {
+  if (AResult != nullptr) *AResult = FHostEvent;
+}
+
+void VARCOLIN_CALL TVarcolin::SetHostEvent(const TEventHandler* AHandler) {
+  FHostEvent = AHandler == nullptr ? TEventHandler{} : *AHandler;
+}
+
+void VARCOLIN_CALL TVarcolin::ShowWindowsFeatures() {
+  // opening the dialog needs the process and window facilities, which this version does not have
+}
+
+void VARCOLIN_CALL TVarcolin::Refresh() {
+  GuardInterface([] { TLocationUninstall::Refresh(); });
+}
+
+void VARCOLIN_CALL TVarcolin::RefreshARPCache() {
+  // walking the shell's applications needs a facility that this version does not have
+}
+
+void VARCOLIN_CALL TVarcolin::Stop() {
+  GuardInterface([] { TLocationUninstall::Cancel(); });
+  GuardInterface([] { SiblingLoader::SendCommand(u"QuilletHelper", QuilletFinalizeCommand); });
+}
+
+void VARCOLIN_CALL TVarcolin::SetStrings(IStringList* AStrings) {
+  GuardInterface([&] { DLLStringsLocalized::SetStrings(AStrings); });
+}
+
+}  // namespace varcolin
