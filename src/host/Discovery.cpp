@@ -1,0 +1,118 @@
+#include "host/Discovery.h"
+
+#include <algorithm>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "host/Terminal.h"
+
+namespace varcolin::host {
+
+namespace {
+
+/// Holds a collection's lock, so that discovery waits with its changes.
+class TCollectionLock {
+ public:
+  explicit TCollectionLock(IProductCollection& ACollection) : FCollection(ACollection) { FCollection.Lock(); }
+  TCollectionLock(const TCollectionLock&) = delete;
+  TCollectionLock& operator=(const TCollectionLock&) = delete;
+  ~TCollectionLock() { FCollection.Unlock(); }
+
+ private:
+  IProductCollection& FCollection;
+};
+
+}  // namespace
+
+/// The line of progress on the error stream, rewritten in place and wiped in the end.
+class TDiscovery::TProgress {
+ public:
+  TProgress() = default;
+  TProgress(const TProgress&) = delete;
+  TProgress& operator=(const TProgress&) = delete;
+  ~TProgress() { Show({}); }
+
+  void Show(const std::string& AText) {
+    if (AText == FShown) return;
+    const std::size_t rest = FShown.size() > AText.size() ? FShown.size() - AText.size() : 0;
+    WriteError('\r' + AText + std::string(rest, ' ') + std::string(rest, '\b') + (AText.empty() ? "\r" : ""));
+    FShown = AText;
+  }
+
+ private:
+  std::string FShown;
+};
+
+TDiscovery::TDiscovery(IVarcolin& AManager) : FManager(AManager) {
+  FManager.SetStrings(nullptr);
+  FManager.Refresh();
+  FManager.GetPrograms(FPrograms.Receive());
+}
+
+template <class TFunction>
+void TDiscovery::ForEachProgram(TFunction AFunction) {
+  const TCollectionLock lock(*FPrograms);
+  const std::int32_t count = FPrograms->GetCount();
+  TInterfaceRef<IProduct> product;
+  for (std::int32_t i = 0; i < count; ++i) {
+    FPrograms->GetItem(i, product.Receive());
+    if (product) AFunction(*product);
+  }
+  product.Reset();
+}
+
+void TDiscovery::WaitUntilLoaded() {
+  using TClock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds longestSleep(16);
+  constexpr std::chrono::milliseconds progressPeriod(100);
+  const bool watched = IsErrorTerminal();
+  TProgress progress;
+  std::chrono::milliseconds sleep(1);
+  TClock::time_point nextProgress = TClock::now() + progressPeriod;
+  std::size_t detailed = 0;
+  while (FManager.GetState() != TVRCState::vrcsLoaded) {
+    std::this_thread::sleep_for(sleep);
+    sleep = std::min(sleep * 2, longestSleep);
+    if (!watched || TClock::now() < nextProgress) continue;
+    nextProgress = TClock::now() + progressPeriod;
+    std::size_t count = 0;
+    ForEachProgram([&](IProduct& AProduct) {
+      ++count;
+      if (AProduct.IsChanged()) ++detailed;
+    });
+    progress.Show(FManager.GetState() == TVRCState::vrcsListLoading
+                      ? "Reading the list of programs: " + std::to_string(count)
+                      : "Reading details: " + std::to_string(std::min(detailed, count)) + " of " +
+                            std::to_string(count));
+  }
+}
+
+std::vector<TProgramRecord> TDiscovery::Read() {
+  std::vector<TProgramRecord> records;
+  ForEachProgram([&](IProduct& AProduct) {
+    static_cast<void>(AProduct.IsChanged());  // what is read now is no news any more
+    records.push_back(ReadProgram(AProduct));
+  });
+  FCount = records.size();
+  return records;
+}
+
+bool TDiscovery::HasNews() {
+  std::size_t count = 0;
+  bool changed = false;
+  ForEachProgram([&](IProduct& AProduct) {
+    ++count;
+    changed = AProduct.IsChanged() || changed;
+  });
+  return changed || count != FCount;
+}
+
+void Pause(std::chrono::milliseconds ADuration) {
+  constexpr std::chrono::milliseconds step(50);
+  for (; ADuration > std::chrono::milliseconds(0) && !IsInterrupted(); ADuration -= step) {
+    std::this_thread::sleep_for(std::min(step, ADuration));
+  }
+}
+
+}  // namespace varcolin::host

@@ -1,0 +1,76 @@
+#include "host/Json.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "host/Cells.h"
+#include "host/Text.h"
+
+namespace varcolin::host {
+
+namespace {
+
+using TJson = nlohmann::ordered_json;
+
+struct TConverter {
+  const TProgramRecord& Record;
+
+  TJson operator()(std::string TProgramRecord::*AMember) const { return Record.*AMember; }
+  TJson operator()(TDateTime TProgramRecord::*AMember) const {
+    std::string text = FormatIsoDateTime(Record.*AMember);
+    return text.empty() ? TJson(nullptr) : TJson(std::move(text));
+  }
+  TJson operator()(std::int64_t TProgramRecord::*AMember) const { return Record.*AMember; }
+  TJson operator()(TUsedType TProgramRecord::*AMember) const { return UsageName(Record.*AMember); }
+  TJson operator()(TSoftwareRating TProgramRecord::*AMember) const { return RatingName(Record.*AMember); }
+};
+
+TJson ToJson(const TProgramRecord& ARecord) {
+  TJson result = TJson::object();
+  for (const TRecordField& field : RecordFields()) {
+    result.emplace(field.JsonName, std::visit(TConverter{ARecord}, field.Member));
+  }
+  result.emplace("actions", ActionNames(ARecord.Actions));
+  result.emplace("iconIndex", ARecord.IconIndex);
+  return result;
+}
+
+/// Appends a part of the document with the steering characters escaped that JSON allows as they are. They can stand
+/// only inside strings.
+void AppendEscaped(std::string& AResult, std::string_view APart) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  const auto isPlain = [](char ACharacter) { return ACharacter >= ' ' && ACharacter <= '~'; };
+  while (!APart.empty()) {
+    const auto plain = static_cast<std::size_t>(std::ranges::find_if_not(APart, isPlain) - APart.begin());
+    AResult += APart.substr(0, plain);
+    APart.remove_prefix(plain);
+    if (APart.empty()) break;
+    std::string character;
+    const char32_t value = NextCharacter(APart);
+    AppendUtf8(character, value);
+    if (!IsSteering(value)) {
+      AResult += character;
+      continue;
+    }
+    for (const char16_t unit : ToUtf16(character)) {
+      AResult += "\\u";
+      for (int shift = 12; shift >= 0; shift -= 4) AResult += digits[(unit >> static_cast<unsigned>(shift)) & 0xFU];
+    }
+  }
+}
+
+}  // namespace
+
+std::string FormatJson(std::span<const TProgramRecord> APrograms) {
+  std::string document = "{\"programs\":[";
+  std::string_view separator = "\n";
+  for (const TProgramRecord& program : APrograms) {
+    document += separator;
+    AppendEscaped(document, ToJson(program).dump(-1, ' ', false, TJson::error_handler_t::replace));
+    separator = ",\n";
+  }
+  document += APrograms.empty() ? "]}\n" : "\n]}\n";
+  return document;
+}
+
+}  // namespace varcolin::host

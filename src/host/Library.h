@@ -1,0 +1,46 @@
+// The library as the host holds it: loaded, with its manager and what the host asks of the sibling libraries. One
+// implementation a target. One thread at a time.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "intf/intf_Varcolin.h"
+
+namespace varcolin::host {
+
+/// The loaded library. Every interface obtained through it is given back before it goes.
+class TLibrary {
+ public:
+  /// Loads the library. AMachine: UTF-8 path of a machine image; none for the built-in sample machine (native) or the
+  /// computer that this runs on (Windows, where naming an image is an error). Throws EHostError.
+  explicit TLibrary(const std::optional<std::string>& AMachine);
+  TLibrary(const TLibrary&) = delete;
+  TLibrary& operator=(const TLibrary&) = delete;
+  /// Stops the library and unloads it.
+  ~TLibrary();
+
+  /// Whether this host can read machine images.
+  [[nodiscard]] static bool HasMachineImages() noexcept;
+
+  [[nodiscard]] IVarcolin& Manager() const noexcept { return *FManager; }
+
+  /// The log file of the library, a Windows path. Throws EHostError when the suite's helper cannot be reached.
+  [[nodiscard]] std::u16string LogPath() const;
+  /// The content of a file of the machine; none when it cannot be read.
+  [[nodiscard]] std::optional<std::vector<std::byte>> ReadFile(const std::u16string& APath) const;
+
+ private:
+  struct TModules;
+
+  /// An interface of a sibling library by its GUID text; null when there is none. No reference of the caller's own.
+  [[nodiscard]] void* Sibling(const char16_t* ALibrary, const char16_t* AGuid) const;
+
+  std::unique_ptr<TModules> FModules;
+  TInterfaceRef<IVarcolin> FManager;
+};
+
+}  // namespace varcolin::host

@@ -1,0 +1,18 @@
+#include "host/Terminal.h"
+
+#include <charconv>
+#include <cstdlib>
+
+namespace varcolin::host {
+
+std::size_t ColumnsOfEnvironment() noexcept {
+  const char* text = std::getenv("COLUMNS");
+  if (text == nullptr) return 0;
+  const std::string_view digits = text;
+  std::size_t columns = 0;
+  const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), columns);
+  const bool whole = parsed.ec == std::errc() && parsed.ptr == digits.data() + digits.size();
+  return whole && columns <= 100'000 ? columns : 0;
+}
+
+}  // namespace varcolin::host

@@ -1,0 +1,130 @@
+// varcolin: the programs of a Windows machine, listed end to end.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+#include "host/Cells.h"
+#include "host/Commands.h"
+#include "host/HostError.h"
+#include "host/Library.h"
+#include "host/Terminal.h"
+
+namespace varcolin::host {
+
+namespace {
+
+/// All that the command line can say.
+struct TCommandLine {
+  TProgramsOptions Programs;
+  TShowOptions Show;
+  TMachineImage Watch;
+  TMachineImage Log;
+};
+
+constexpr std::array<std::pair<std::string_view, ESortOrder>, 4> SortOrders{{{"name", ESortOrder::Name},
+                                                                             {"size", ESortOrder::Size},
+                                                                             {"date", ESortOrder::Date},
+                                                                             {"publisher", ESortOrder::Publisher}}};
+
+std::optional<ESortOrder> SortOrderOf(std::string_view AName) {
+  const auto found = std::ranges::find(SortOrders, AName, [](const auto& AOrder) { return AOrder.first; });
+  return found == SortOrders.end() ? std::nullopt : std::optional(found->second);
+}
+
+void AddMachineOption(CLI::App& ACommand, TMachineImage& AMachine) {
+  if (!TLibrary::HasMachineImages()) return;
+  ACommand
+      .add_option("--machine", AMachine, "Machine image to read (a folder); the built-in sample machine without it")
+      ->type_name("IMAGE");
+}
+
+void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
+  CLI::App* programs = AApp.add_subcommand("programs", "List the installed programs");
+  AddMachineOption(*programs, ALine.Programs.Machine);
+  programs->add_flag("--json", ALine.Programs.Json, "Print one JSON document");
+  programs->add_option("--filter", ALine.Programs.Filter, "Only programs with this text in name or publisher")
+      ->type_name("TEXT");
+  std::vector<std::string> orders;
+  for (const auto& [name, order] : SortOrders) orders.emplace_back(name);
+  programs
+      ->add_option_function<std::string>(
+          "--sort", [&ALine](const std::string& AName) { ALine.Programs.Sort = SortOrderOf(AName); },
+          "Order: name, size, date or publisher; without it the library's own")
+      ->check(CLI::IsMember(orders).description(""))
+      ->type_name("ORDER");
+
+  CLI::App* show = AApp.add_subcommand("show", "Show all that is known of one program");
+  AddMachineOption(*show, ALine.Show.Machine);
+  show->add_flag("--json", ALine.Show.Json, "Print one JSON document");
+  show->add_option("program", ALine.Show.NameOrGuid, "Its name, a part of its name, or its GUID")
+      ->required()
+      ->type_name("NAME|GUID");
+
+  CLI::App* watch = AApp.add_subcommand("watch", "Print what appears, changes and vanishes until interrupted");
+  AddMachineOption(*watch, ALine.Watch);
+
+  CLI::App* log = AApp.add_subcommand("log", "Print where the log of the library is, and its text");
+  AddMachineOption(*log, ALine.Log);
+}
+
+int RunCommand(CLI::App& AApp, const TCommandLine& ALine) {
+  if (AApp.got_subcommand("programs")) return RunPrograms(ALine.Programs);
+  if (AApp.got_subcommand("show")) return RunShow(ALine.Show);
+  if (AApp.got_subcommand("watch")) return RunWatch(ALine.Watch);
+  return RunLog(ALine.Log);
+}
+
+int Run(const std::vector<std::string>& AArguments) {
+  TCommandLine line;
+  CLI::App app("Lists the installed programs of a Windows machine.", "varcolin");
+  app.require_subcommand(1);
+  app.allow_windows_style_options(false);
+  app.set_version_flag("--version", "varcolin " VARCOLIN_VERSION);
+  AddCommands(app, line);
+  std::vector<const char*> arguments;
+  for (const std::string& argument : AArguments) arguments.push_back(argument.c_str());
+  try {
+    app.parse(static_cast<int>(arguments.size()), arguments.data());
+  } catch (const CLI::ParseError& error) {
+    std::ostringstream output;
+    std::ostringstream message;
+    if (app.exit(error, output, message) == 0) {
+      WriteOutput(output.str());
+      return ExitOk;
+    }
+    throw EHostError(std::string(error.what()) + " (see varcolin --help)", ExitUsage);
+  }
+  return RunCommand(app, line);
+}
+
+/// Tells of an error: printable, whatever was in it, but for the line ends of a list.
+void Report(std::string_view AMessage) {
+  std::string text = "varcolin: ";
+  while (!AMessage.empty()) {
+    const std::size_t end = std::min(AMessage.find('\n'), AMessage.size());
+    text += Printable(AMessage.substr(0, end)) + '\n';
+    AMessage.remove_prefix(std::min(end + 1, AMessage.size()));
+  }
+  WriteError(text);
+}
+
+}  // namespace
+
+}  // namespace varcolin::host
+
+int main(int ACount, char** AArguments) {
+  using namespace varcolin::host;
+  try {
+    PrepareTerminal();
+    return Run(ProcessArguments(ACount, AArguments));
+  } catch (const EClosedPipe&) {
+    return ExitOk;
+  } catch (const EHostError& error) {
+    Report(error.what());
+    return error.ExitCode();
+  } catch (const std::exception& error) {
+    Report(error.what());
+    return ExitFailure;
+  }
+}
