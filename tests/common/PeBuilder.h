@@ -1,0 +1,216 @@
+// Builds small executables and icon files for tests: valid enough for Windows itself to read their resources.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace varcolin::testing {
+
+using TBytes = std::vector<std::byte>;
+
+/// Appends a little-endian number of ASize bytes, which may be more than it needs.
+inline void Put(TBytes& ABytes, std::uint64_t AValue, std::size_t ASize) {
+  for (; ASize > 0; --ASize, AValue >>= 8) ABytes.push_back(static_cast<std::byte>(AValue & 0xFF));
+}
+/// Overwrites a little-endian number of ASize bytes.
+inline void Patch(TBytes& ABytes, std::size_t AAt, std::uint64_t AValue, std::size_t ASize) {
+  for (std::size_t i = 0; i < ASize; ++i) ABytes[AAt + i] = static_cast<std::byte>(AValue >> (8 * i) & 0xFF);
+}
+inline void Append(TBytes& ABytes, std::span<const std::byte> AMore) {
+  ABytes.insert(ABytes.end(), AMore.begin(), AMore.end());
+}
+
+/// A 32-bit picture of one colour in the form that icons have it.
+inline TBytes MakePicture(std::uint8_t ASide, std::uint32_t AColour) {
+  TBytes bytes;
+  Put(bytes, 40, 4);
+  Put(bytes, ASide, 4);
+  Put(bytes, std::uint64_t{ASide} * 2, 4);  // with the mask
+  Put(bytes, 1, 2);
+  Put(bytes, 32, 2);
+  bytes.resize(40);
+  for (int i = 0; i < ASide * ASide; ++i) Put(bytes, AColour, 4);
+  bytes.resize(bytes.size() + (ASide + 31U) / 32 * 4 * ASide);  // the mask: all opaque
+  return bytes;
+}
+
+/// An icon file with one picture of each given size.
+inline TBytes MakeIconFile(std::span<const std::uint8_t> ASides) {
+  TBytes header, pictures;
+  Put(header, 0, 2);
+  Put(header, 1, 2);
+  Put(header, ASides.size(), 2);
+  for (const std::uint8_t side : ASides) {
+    const TBytes picture = MakePicture(side, 0xFF000000U + side);
+    Put(header, side, 1);
+    Put(header, side, 1);
+    Put(header, 0, 2);
+    Put(header, 1, 2);
+    Put(header, 32, 2);
+    Put(header, picture.size(), 4);
+    Put(header, 6 + ASides.size() * 16 + pictures.size(), 4);
+    Append(pictures, picture);
+  }
+  Append(header, pictures);
+  return header;
+}
+
+/// A version resource with the fixed part only.
+inline TBytes MakeVersion(std::uint16_t AMajor, std::uint16_t AMinor) {
+  TBytes bytes;
+  Put(bytes, 40 + 52, 2);
+  Put(bytes, 52, 2);
+  Put(bytes, 0, 2);
+  for (const char16_t unit : std::u16string_view(u"VS_VERSION_INFO")) Put(bytes, unit, 2);
+  bytes.resize(40);
+  Put(bytes, 0xFEEF04BD, 4);
+  Put(bytes, 0x10000, 4);
+  for (int i = 0; i < 2; ++i) {
+    Put(bytes, AMinor, 2);
+    Put(bytes, AMajor, 2);
+    Put(bytes, 0, 4);
+  }
+  bytes.resize(40 + 52);
+  return bytes;
+}
+
+/// Collects resources and writes an executable with them.
+class TPeBuilder {
+ public:
+  static constexpr std::uint16_t UsEnglish = 0x409;
+
+  void Add(std::uint16_t AType, std::uint16_t AId, TBytes AData, std::uint16_t ALanguage = UsEnglish) {
+    FTypes[AType][AId][ALanguage] = std::move(AData);
+  }
+  /// The sixteen strings of one block; AFirstId is a multiple of 16.
+  void AddStrings(std::uint32_t AFirstId, std::span<const std::u16string_view> ATexts,
+                  std::uint16_t ALanguage = UsEnglish) {
+    TBytes block;
+    for (std::size_t i = 0; i < 16; ++i) {
+      const std::u16string_view text = i < ATexts.size() ? ATexts[i] : std::u16string_view{};
+      Put(block, text.size(), 2);
+      for (const char16_t unit : text) Put(block, unit, 2);
+    }
+    Add(6, static_cast<std::uint16_t>(AFirstId / 16 + 1), std::move(block), ALanguage);
+  }
+  void AddIcon(std::uint16_t AGroup, std::span<const std::uint8_t> ASides) {
+    TBytes group;
+    Put(group, 0, 2);
+    Put(group, 1, 2);
+    Put(group, ASides.size(), 2);
+    for (const std::uint8_t side : ASides) {
+      TBytes picture = MakePicture(side, 0xFF000000U + AGroup);
+      Put(group, side, 1);
+      Put(group, side, 1);
+      Put(group, 0, 2);
+      Put(group, 1, 2);
+      Put(group, 32, 2);
+      Put(group, picture.size(), 4);
+      Put(group, ++FLastIcon, 2);
+      Add(3, FLastIcon, std::move(picture));
+    }
+    Add(14, AGroup, std::move(group));
+  }
+
+  [[nodiscard]] TBytes Build(bool AIs64 = false) const {
+    constexpr std::uint32_t Address = 0x1000;
+    constexpr std::uint32_t HeaderSize = 0x200;
+    TBytes resources = FTypes.empty() ? TBytes{} : BuildResources(Address);
+    const std::size_t used = resources.size();
+    resources.resize((used + HeaderSize - 1) / HeaderSize * HeaderSize);
+    const std::uint16_t optionalSize = AIs64 ? 240 : 224;
+    TBytes file;
+    Put(file, 0x5A4D, 2);
+    file.resize(0x3C);
+    Put(file, 0x40, 4);
+    Put(file, 0x4550, 4);
+    Put(file, AIs64 ? 0x8664 : 0x14C, 2);
+    Put(file, 1, 2);  // sections
+    Put(file, 0, 12);
+    Put(file, optionalSize, 2);
+    Put(file, 0x2102, 2);  // a 32-bit library
+    const std::size_t optional = file.size();
+    Put(file, AIs64 ? 0x20B : 0x10B, 2);
+    file.resize(optional + optionalSize);
+    const std::size_t base = optional + (AIs64 ? 24 : 28);
+    Patch(file, base, 0x10000000, AIs64 ? 8 : 4);
+    Patch(file, optional + 32, 0x1000, 4);  // section alignment
+    Patch(file, optional + 36, HeaderSize, 4);
+    Patch(file, optional + 40, 4, 2);  // system version
+    Patch(file, optional + 48, 4, 2);  // subsystem version
+    Patch(file, optional + 56, Address + (resources.size() + 0xFFF) / 0x1000 * 0x1000, 4);
+    Patch(file, optional + 60, HeaderSize, 4);
+    Patch(file, optional + 68, 2, 2);  // graphical subsystem
+    const std::size_t directories = optional + (AIs64 ? 108 : 92);
+    Patch(file, directories, 16, 4);
+    if (used != 0) {
+      Patch(file, directories + 4 + 16, Address, 4);
+      Patch(file, directories + 4 + 20, used, 4);
+    }
+    for (const char unit : std::string_view(".rsrc\0\0\0", 8)) file.push_back(static_cast<std::byte>(unit));
+    Put(file, used, 4);
+    Put(file, Address, 4);
+    Put(file, resources.size(), 4);
+    Put(file, HeaderSize, 4);
+    Put(file, 0, 12);
+    Put(file, 0x40000040, 4);
+    file.resize(HeaderSize);
+    Append(file, resources);
+    return file;
+  }
+
+ private:
+  static void PutDirectory(TBytes& ABytes, std::size_t ACount) {
+    Put(ABytes, 0, 12);
+    Put(ABytes, 0, 2);
+    Put(ABytes, ACount, 2);
+  }
+
+  [[nodiscard]] TBytes BuildResources(std::uint32_t AAddress) const {
+    // all directories first, then the data entries, then the data
+    std::size_t directorySize = 16 + FTypes.size() * 8;
+    std::size_t dataCount = 0;
+    for (const auto& [type, names] : FTypes) {
+      directorySize += 16 + names.size() * 8;
+      for (const auto& [name, languages] : names) {
+        directorySize += 16 + languages.size() * 8;
+        dataCount += languages.size();
+      }
+    }
+    TBytes types, names, languages, entries, data;
+    const std::size_t namesAt = 16 + FTypes.size() * 8;
+    std::size_t languagesAt = namesAt;
+    for (const auto& [type, byName] : FTypes) languagesAt += 16 + byName.size() * 8;
+    PutDirectory(types, FTypes.size());
+    for (const auto& [type, byName] : FTypes) {
+      Put(types, type, 4);
+      Put(types, 0x80000000U + namesAt + names.size(), 4);
+      PutDirectory(names, byName.size());
+      for (const auto& [name, byLanguage] : byName) {
+        Put(names, name, 4);
+        Put(names, 0x80000000U + languagesAt + languages.size(), 4);
+        PutDirectory(languages, byLanguage.size());
+        for (const auto& [language, bytes] : byLanguage) {
+          Put(languages, language, 4);
+          Put(languages, directorySize + entries.size(), 4);
+          Put(entries, AAddress + directorySize + dataCount * 16 + data.size(), 4);
+          Put(entries, bytes.size(), 4);
+          Put(entries, 0, 8);
+          Append(data, bytes);
+          data.resize((data.size() + 3) & ~std::size_t{3});
+        }
+      }
+    }
+    for (const TBytes& part : {names, languages, entries, data}) Append(types, part);
+    return types;
+  }
+
+  std::map<std::uint16_t, std::map<std::uint16_t, std::map<std::uint16_t, TBytes>>> FTypes;
+  std::uint16_t FLastIcon = 0;
+};
+
+}  // namespace varcolin::testing

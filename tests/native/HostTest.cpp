@@ -1,0 +1,277 @@
+// The host as a person meets it: the built program, its output, its exit codes.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "host/Cells.h"
+#include "host/Text.h"
+
+namespace varcolin::host {
+namespace {
+
+using TArguments = std::vector<std::string>;
+
+/// A folder that goes with the test.
+class TTemporaryFolder {
+ public:
+  TTemporaryFolder() {
+    std::string name = std::filesystem::temp_directory_path() / "varcolin-host-XXXXXX";
+    if (mkdtemp(name.data()) == nullptr) throw std::filesystem::filesystem_error("mkdtemp", std::error_code());
+    FPath = name;
+  }
+  TTemporaryFolder(const TTemporaryFolder&) = delete;
+  TTemporaryFolder& operator=(const TTemporaryFolder&) = delete;
+  ~TTemporaryFolder() { std::filesystem::remove_all(FPath); }
+
+  [[nodiscard]] std::string Name() const { return FPath; }
+  void Put(const std::string& AFile, const std::string& AText) const {
+    const std::filesystem::path path = FPath / AFile;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << AText;
+  }
+
+ private:
+  std::filesystem::path FPath;
+};
+
+std::string ReadAll(const std::filesystem::path& APath) {
+  std::ifstream file(APath, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+struct TOutcome {
+  int ExitCode = -1;
+  std::string Output;
+  std::string Error;
+};
+
+std::string Quoted(const std::string& AText) {
+  std::string result = "'";
+  for (const char character : AText) result += character == '\'' ? "'\\''" : std::string(1, character);
+  return result + '\'';
+}
+
+/// Runs a line of shell in which $HOST is the program; its error stream is kept apart.
+TOutcome RunShell(const std::string& ALine) {
+  const TTemporaryFolder folder;
+  const std::string output = folder.Name() + "/output";
+  const std::string error = folder.Name() + "/error";
+  const std::string script = "HOST=" + Quoted(VARCOLIN_EXE) + "; set -o pipefail; { " + ALine + "\n} </dev/null >" +
+                             Quoted(output) + " 2>" + Quoted(error);
+  const int status = std::system(("bash -c " + Quoted(script)).c_str());
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadAll(output), ReadAll(error)};
+}
+
+TOutcome RunHost(const TArguments& AArguments) {
+  std::string line = "\"$HOST\"";
+  for (const std::string& argument : AArguments) line += ' ' + Quoted(argument);
+  return RunShell(line);
+}
+
+nlohmann::json ListPrograms(TArguments AMore = {}) {
+  TArguments arguments{"programs", "--json", "--machine", SAMPLE_MACHINE};
+  arguments.insert(arguments.end(), AMore.begin(), AMore.end());
+  const TOutcome outcome = RunHost(arguments);
+  EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
+  EXPECT_EQ(outcome.Error, "");
+  return nlohmann::json::parse(outcome.Output).at("programs");
+}
+
+const nlohmann::json* FindProgram(const nlohmann::json& APrograms, const std::string& AName) {
+  const auto found = std::ranges::find_if(APrograms, [&](const auto& AItem) { return AItem["displayName"] == AName; });
+  return found == APrograms.end() ? nullptr : &*found;
+}
+
+void ExpectSafe(std::string_view AText) {
+  while (!AText.empty()) {
+    const char32_t character = NextCharacter(AText);
+    EXPECT_TRUE(character == U'\n' || !IsSteering(character)) << static_cast<unsigned>(character);
+  }
+}
+
+TEST(Host, ListsTheSampleMachine) {
+  const nlohmann::json programs = ListPrograms();
+  EXPECT_GE(programs.size(), 40U);
+  const nlohmann::json* studio = FindProgram(programs, "Tarnhelm Image Studio 4.2");
+  ASSERT_NE(studio, nullptr);
+  EXPECT_EQ((*studio)["version"], "4.2.1");
+  EXPECT_EQ((*studio)["publisher"], "Oakmere Visual Works");
+  EXPECT_EQ((*studio)["installDate"], "2012-06-12T18:22:05.000");
+  EXPECT_EQ((*studio)["estimatedSize"], 182340 * 1024);
+  EXPECT_EQ((*studio)["registeredCompany"], "Mara & Daughters");
+  EXPECT_EQ((*studio)["rating"], "trustworthy");
+  EXPECT_EQ((*studio)["usage"], "rarely");
+  EXPECT_TRUE((*studio)["lastUsedDate"].is_null());
+
+  // every kind of entry that a broken neighbour or a rule of its own must not hide
+  for (const char* name :
+       {"Oddlength Organizer", "Unterminated Utility", "Embedded Editor", "%s%s%n%x {0} %1!s! $(PATH) %PATH% %.9999d",
+        "..\\..\\..\\Windows\\System32\\config", "Mistyped Manager", "Ouroboros Optimizer", "Whinchat Portable",
+        "Lindqvist Time Sheets", "Rookery Tax Assistant 2011", "Nuthatch Recipe Box", "Wexcombe Scanner Suite",
+        "桜川 かんばん管理 プロフェッショナル版", "Бережок: учёт и склад", "نخلة لتحرير النصوص", "Brückner Fahrplan 98",
+        "Kestrel Archiver 2.5", "Kestrel Archiver 2.6 (x64)"}) {
+    EXPECT_NE(FindProgram(programs, name), nullptr) << name;
+  }
+  for (const auto& program : programs) {
+    const std::string name = program["displayName"];
+    EXPECT_NE(name, "");
+    for (const char* hidden : {"Never listed", "Connection Broker", "Quernstone Compiler", "KB2999", "Service Pack 1",
+                               "Backup Desk Service", "Backup Desk Patch"}) {
+      EXPECT_EQ(name.find(hidden), std::string::npos) << name;
+    }
+  }
+  // hidden keys that lend what they know to a visible program, by product code and by name
+  EXPECT_EQ((*FindProgram(programs, "Ashgrove Backup Desk"))["comments"], "Scheduled backups for the whole house");
+  EXPECT_EQ((*FindProgram(programs, "Pinfold Reader 3.4"))["supportTelephone"], "+46 8 505 510 33");
+  EXPECT_EQ((*FindProgram(programs, "Gargantua Game Library"))["estimatedSize"], 3221225472);
+  EXPECT_EQ((*FindProgram(programs, "Cinderpath Terminal"))["version"], "5.1");
+  EXPECT_EQ((*FindProgram(programs, "Larkspur Office Suite 2012"))["actions"],
+            nlohmann::json({"uninstall", "modify", "repair", "removeFromRegistry"}));
+}
+
+TEST(Host, UsesTheBuiltInSampleAndSaysSo) {
+  const TOutcome outcome = RunHost({"programs", "--json"});
+  EXPECT_EQ(outcome.ExitCode, 0);
+  EXPECT_EQ(std::ranges::count(outcome.Error, '\n'), 1);
+  EXPECT_NE(outcome.Error.find("sample machine"), std::string::npos) << outcome.Error;
+  EXPECT_EQ(nlohmann::json::parse(outcome.Output).at("programs"), ListPrograms());
+}
+
+TEST(Host, FiltersAndSorts) {
+  const nlohmann::json bySize = ListPrograms({"--sort", "size"});
+  EXPECT_TRUE(std::ranges::is_sorted(bySize, std::greater(), [](const auto& AItem) {
+    return std::max<std::int64_t>(AItem["estimatedSize"].template get<std::int64_t>(), 0);
+  }));
+  const nlohmann::json byDate = ListPrograms({"--sort", "date"});
+  EXPECT_TRUE(std::ranges::is_sorted(byDate, std::greater(), [](const auto& AItem) {
+    return AItem["installDate"].is_null() ? std::string() : AItem["installDate"].template get<std::string>();
+  }));
+  const nlohmann::json filtered = ListPrograms({"--filter", "бЕРЕЖОК"});
+  ASSERT_EQ(filtered.size(), 1U);
+  EXPECT_EQ(filtered[0]["publisher"], "ООО «Бережок»");
+  EXPECT_TRUE(ListPrograms({"--filter", "no such program"}).empty());
+}
+
+TEST(Host, PrintsTablesThatFitAndSteerNothing) {
+  for (const char* width : {"20", "47", "80", "200"}) {
+    const TOutcome outcome =
+        RunShell("COLUMNS=" + std::string(width) + " \"$HOST\" programs --machine " + Quoted(SAMPLE_MACHINE));
+    EXPECT_EQ(outcome.ExitCode, 0);
+    ExpectSafe(outcome.Output);
+    std::istringstream lines(outcome.Output);
+    std::string line;
+    while (std::getline(lines, line)) EXPECT_LE(TextCells(line), std::stoul(width)) << line;
+  }
+}
+
+TEST(Host, ShowsOneProgram) {
+  const TOutcome shown = RunHost({"show", "--machine", SAMPLE_MACHINE, "tarnhelm"});
+  EXPECT_EQ(shown.ExitCode, 0) << shown.Error;
+  for (const char* text : {"Tarnhelm Image Studio 4.2", "2012-06-12", "178.1 MB", "uninstallQuiet"}) {
+    EXPECT_NE(shown.Output.find(text), std::string::npos) << text;
+  }
+  const TOutcome byGuid =
+      RunHost({"show", "--json", "--machine", SAMPLE_MACHINE, "{4c7a1f93-e8b2-4d06-9a35-1bd0f6c2e874}"});
+  EXPECT_EQ(nlohmann::json::parse(byGuid.Output).at("programs").at(0).at("displayName"), "Larkspur Office Suite 2012");
+
+  const TOutcome ambiguous = RunHost({"show", "--machine", SAMPLE_MACHINE, "kestrel"});
+  EXPECT_EQ(ambiguous.ExitCode, 1);
+  EXPECT_EQ(ambiguous.Output, "");
+  EXPECT_NE(ambiguous.Error.find("Kestrel Archiver 2.5"), std::string::npos);
+  EXPECT_NE(ambiguous.Error.find("Kestrel Archiver 2.6 (x64)"), std::string::npos);
+  const TOutcome missing = RunHost({"show", "--machine", SAMPLE_MACHINE, "\x1B[31mnothing"});
+  EXPECT_EQ(missing.ExitCode, 1);
+  ExpectSafe(missing.Error);
+}
+
+TEST(Host, TellsWhatIsWrongWithAnImage) {
+  const TTemporaryFolder image;
+  image.Put("registry/a.reg",
+            "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\X]\n\"a\"=oops\n");
+  const TTemporaryFolder description;
+  description.Put("machine.json", "{\n\"windows\": [}\n");
+  struct TCase {
+    TArguments Arguments;
+    std::vector<std::string> Said;
+  };
+  for (const TCase& test : {TCase{{"programs", "--machine", image.Name()}, {"a.reg", "4"}},
+                            TCase{{"programs", "--machine", description.Name()}, {"machine.json", "2"}},
+                            TCase{{"log", "--machine", image.Name() + "/missing"}, {"missing"}},
+                            TCase{{"programs", "--sort", "colour"}, {}}, TCase{{"programs", "extra"}, {}},
+                            TCase{{"show"}, {}}, TCase{{"remove"}, {}}, TCase{{}, {}}}) {
+    const TOutcome outcome = RunHost(test.Arguments);
+    EXPECT_EQ(outcome.ExitCode, 2) << outcome.Error;
+    EXPECT_EQ(outcome.Output, "");
+    EXPECT_EQ(std::ranges::count(outcome.Error, '\n'), 1) << outcome.Error;
+    for (const std::string& text : test.Said) EXPECT_NE(outcome.Error.find(text), std::string::npos) << outcome.Error;
+  }
+}
+
+TEST(Host, ListsAnEmptyMachine) {
+  const TTemporaryFolder image;
+  const TOutcome outcome = RunHost({"programs", "--json", "--machine", image.Name()});
+  EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
+  EXPECT_EQ(outcome.Output, "{\"programs\":[]}\n");
+}
+
+TEST(Host, ReportsItsVersionAndUsage) {
+  const TOutcome version = RunHost({"--version"});
+  EXPECT_EQ(version.ExitCode, 0);
+  EXPECT_EQ(version.Output.find("varcolin "), 0U);
+  const TOutcome help = RunHost({"programs", "--help"});
+  EXPECT_EQ(help.ExitCode, 0);
+  EXPECT_NE(help.Output.find("--sort"), std::string::npos);
+}
+
+TEST(Host, PrintsTheLog) {
+  const TOutcome outcome = RunHost({"log", "--machine", SAMPLE_MACHINE});
+  EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
+  EXPECT_TRUE(outcome.Output.substr(0, outcome.Output.find('\n')).ends_with("\\Logs\\Varcolin.log")) << outcome.Output;
+  EXPECT_NE(outcome.Output.find("Add Program: Ember Browser ()\n"), std::string::npos);
+  ExpectSafe(outcome.Output);
+}
+
+TEST(Host, EndsQuietlyOrLoudlyWhenOutputFails) {
+  const TOutcome closed = RunShell("\"$HOST\" programs --json --machine " + Quoted(SAMPLE_MACHINE) + " | true");
+  EXPECT_EQ(closed.Error, "");
+  EXPECT_EQ(closed.ExitCode, 0);
+  const TOutcome full = RunShell("\"$HOST\" programs --machine " + Quoted(SAMPLE_MACHINE) + " >/dev/full");
+  EXPECT_EQ(full.ExitCode, 1);
+  EXPECT_NE(full.Error.find("cannot be written"), std::string::npos) << full.Error;
+}
+
+TEST(Host, WatchesUntilInterrupted) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(ends[1], STDERR_FILENO);
+    close(ends[0]);
+    execl(VARCOLIN_EXE, VARCOLIN_EXE, "watch", "--machine", SAMPLE_MACHINE, nullptr);
+    _exit(127);
+  }
+  ASSERT_GT(child, 0);
+  close(ends[1]);
+  // it says when it watches; from then on an interrupt ends it in good order
+  std::string said;
+  for (char character = 0; said.find('\n') == std::string::npos && read(ends[0], &character, 1) == 1;)
+    said += character;
+  EXPECT_NE(said.find("watching"), std::string::npos) << said;
+  kill(child, SIGINT);
+  int status = -1;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+  close(ends[0]);
+}
+
+}  // namespace
+}  // namespace varcolin::host
