@@ -24,29 +24,15 @@ add_library(platform STATIC ${SOURCES})
 # What is linked here is there since Windows XP; newer functions are bound at run time.
 target_link_libraries(platform PUBLIC advapi32 comctl32 gdi32 ole32 oleaut32 shell32 user32 version windows_xp)
 file(GLOB SOURCES CONFIGURE_DEPENDS src/platform/decorators/*.cpp)
-if(SOURCES)
-  add_library(decorators STATIC ${SOURCES})
-else()
-  add_library(decorators INTERFACE)
-endif()
+add_library(decorators STATIC ${SOURCES})
 
 # Every room uses the platform's OLE strings: behind support it comes last on each link line.
-get_target_property(TYPE support TYPE)
-if(TYPE STREQUAL INTERFACE_LIBRARY)
-  target_link_libraries(support INTERFACE platform)
-else()
-  target_link_libraries(support PUBLIC platform)
-endif()
+target_link_libraries(support PUBLIC platform)
 
 file(GLOB SOURCES CONFIGURE_DEPENDS src/library/*.cpp)
 list(FILTER SOURCES EXCLUDE REGEX "\\.(windows|native)\\.cpp$")
-if(SOURCES)
-  add_library(library STATIC ${SOURCES})
-  target_link_libraries(library PUBLIC locations support platform)
-else()
-  add_library(library INTERFACE)
-  target_link_libraries(library INTERFACE locations support platform)
-endif()
+add_library(library STATIC ${SOURCES})
+target_link_libraries(library PUBLIC locations)
 
 # A library of the suite: one export, GetInstance, whose name is not decorated although it is stdcall.
 function(add_suite_library TARGET NAME)
@@ -60,10 +46,8 @@ file(GLOB RESOURCE_PARTS CONFIGURE_DEPENDS src/library/resources/*)
 set_source_files_properties(${RESOURCES} PROPERTIES OBJECT_DEPENDS "${RESOURCE_PARTS}" COMPILE_DEFINITIONS
   "VARCOLIN_VERSION_MAJOR=${PROJECT_VERSION_MAJOR};VARCOLIN_VERSION_MINOR=${PROJECT_VERSION_MINOR};VARCOLIN_VERSION_PATCH=${PROJECT_VERSION_PATCH}")
 file(GLOB SOURCES CONFIGURE_DEPENDS src/library/*.windows.cpp)
-if(SOURCES)
-  add_suite_library(Varcolin Varcolin ${SOURCES} src/library/Varcolin.def ${RESOURCES})
-  target_link_libraries(Varcolin PRIVATE library)
-endif()
+add_suite_library(Varcolin Varcolin ${SOURCES} src/library/Varcolin.def ${RESOURCES})
+target_link_libraries(Varcolin PRIVATE library)
 
 # The reference sibling libraries: each has one entry file, named like the library.
 file(GLOB ENTRIES CONFIGURE_DEPENDS src/siblings/*.windows.cpp)

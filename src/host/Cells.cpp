@@ -140,7 +140,7 @@ std::vector<std::string> WrapToCells(std::string_view AText, std::size_t AWidth)
       if (character == U' ') blank = end;
     }
     const std::size_t cut = blank > end / 2 ? blank : end;
-    lines.emplace_back(line.substr(0, cut));
+    lines.emplace_back(line.substr(0, cut == blank ? cut - 1 : cut));
     line.remove_prefix(cut);
   }
   lines.emplace_back(line);

@@ -25,7 +25,8 @@ inline constexpr std::size_t UnlimitedCells = static_cast<std::size_t>(-1);
 /// The text made printable and, when it takes more than AWidth cells, cut to at most that many with an ellipsis as its
 /// last one.
 [[nodiscard]] std::string FitToCells(std::string_view AText, std::size_t AWidth);
-/// The text made printable and broken into lines of at most AWidth cells (at least 2), at blanks where there are some.
+/// The text made printable and broken into lines of at most AWidth cells (at least 2), at blanks where there are some;
+/// the blank at which a line ends is left out.
 [[nodiscard]] std::vector<std::string> WrapToCells(std::string_view AText, std::size_t AWidth);
 
 }  // namespace varcolin::host

@@ -37,10 +37,12 @@ void Settle(TDiscovery& ADiscovery) {
 int RunWatch(const TMachineImage& AMachine) {
   const TLibrary library(AMachine);
   TDiscovery discovery(library.Manager());
-  discovery.WaitUntilLoaded();
   CatchInterrupt();
+  discovery.WaitUntilLoaded();
+  if (IsInterrupted()) return ExitOk;
   std::vector<TProgramRecord> known = discovery.Read();
-  WriteError("varcolin: watching " + std::to_string(known.size()) + " programs; Ctrl-C ends it\n");
+  WriteError("varcolin: watching " + std::to_string(known.size()) + (known.size() == 1 ? " program" : " programs") +
+             "; Ctrl-C ends it\n");
   while (!IsInterrupted()) {
     Pause(WatchPeriod);
     if (!discovery.HasNews()) continue;

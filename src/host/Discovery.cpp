@@ -71,7 +71,7 @@ void TDiscovery::WaitUntilLoaded() {
   std::chrono::milliseconds sleep(1);
   TClock::time_point nextProgress = TClock::now() + progressPeriod;
   std::size_t detailed = 0;
-  while (FManager.GetState() != TVRCState::vrcsLoaded) {
+  while (FManager.GetState() != TVRCState::vrcsLoaded && !IsInterrupted()) {
     std::this_thread::sleep_for(sleep);
     sleep = std::min(sleep * 2, longestSleep);
     if (!watched || TClock::now() < nextProgress) continue;

@@ -15,7 +15,8 @@ class TDiscovery {
   /// Starts discovery. AManager outlives this object.
   explicit TDiscovery(IVarcolin& AManager);
 
-  /// Waits until lists and details are complete; shows how far that has come when a person watches the error stream.
+  /// Waits until lists and details are complete, or the user interrupts (see CatchInterrupt); shows how far that has
+  /// come when a person watches the error stream.
   void WaitUntilLoaded();
   /// Reads all programs, in the library's order.
   [[nodiscard]] std::vector<TProgramRecord> Read();

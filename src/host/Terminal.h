@@ -26,7 +26,8 @@ void WriteError(std::string_view AText) noexcept;
 /// Cells of a line of output; UnlimitedCells when it does not go to a terminal.
 [[nodiscard]] std::size_t OutputWidth() noexcept;
 
-/// From this call on, the user's interrupt (Ctrl-C) does not end the process but makes IsInterrupted true.
+/// From this call on, the user's first interrupt (Ctrl-C) does not end the process but makes IsInterrupted true; a
+/// second one ends it.
 void CatchInterrupt();
 [[nodiscard]] bool IsInterrupted() noexcept;
 

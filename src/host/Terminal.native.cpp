@@ -62,6 +62,7 @@ std::size_t OutputWidth() noexcept {
 void CatchInterrupt() {
   struct sigaction action {};
   action.sa_handler = [](int) { Interrupted = true; };
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
 }

@@ -59,8 +59,7 @@ std::uint32_t WriteAll(std::uint32_t AStream, std::string_view AText) {
 
 int __stdcall HandleControl(std::uint32_t AKind) {
   if (AKind != CtrlC && AKind != CtrlBreak) return 0;
-  Interrupted = true;
-  return 1;
+  return Interrupted.exchange(true) ? 0 : 1;
 }
 
 }  // namespace

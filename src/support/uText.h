@@ -1,7 +1,8 @@
 // UTF-16 text without a locale: comparison without regard to case, searching, trimming, splitting, conversion.
 //
 // Case is folded unit by unit with Unicode's simple upper-case mapping of the basic plane, as the registry and the
-// file system do; text outside it compares unit by unit. Nothing here raises but for memory.
+// file system do; text outside it compares unit by unit. No ASCII unit is the same as one outside ASCII (dotless i,
+// long s, the Kelvin sign): names that differ in such a letter are different names. Nothing here raises but for memory.
 #pragma once
 
 #include <cstddef>

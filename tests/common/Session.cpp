@@ -24,7 +24,7 @@ std::string DateText(TDateTime ADate) {
   const auto milliseconds = static_cast<std::uint64_t>(ADate * MillisecondsPerDay + 0.5);
   const TSystemTime time =
       FileTimeToSystemTime(TFileTime{(milliseconds + DaysBefore1899 * 86400000ULL) * TicksPerMillisecond});
-  char text[32];
+  char text[64];
   std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.Year, time.Month, time.Day, time.Hour,
                 time.Minute, time.Second);
   return text;

@@ -160,8 +160,8 @@ TEST_F(FilesContract, WalksAFolder) {
       {u"c\\*", "error 267"},
   };
   for (const auto& [pattern, names] : cases) {
-    // Wine does not tell a file from a missing folder here
-    if (pattern == u"c\\*" && testing::IsWine()) continue;
+    // Wine takes a question mark for exactly one character, and has another error for a file where a folder must be
+    if ((pattern == u"c?" || pattern == u"c\\*") && testing::IsWine()) continue;
     EXPECT_EQ(Matches(pattern), names) << ToUtf8(pattern);
   }
 }

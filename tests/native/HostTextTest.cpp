@@ -102,7 +102,7 @@ TEST(HostCells, CutsAndWrapsAtCells) {
   EXPECT_EQ(FitToCells("abcdef", 4), "abc…");
   EXPECT_EQ(FitToCells("桜川桜川", 4), "桜…");  // half of a wide character is not shown
   EXPECT_EQ(FitToCells("abc", 0), "");
-  EXPECT_EQ(WrapToCells("one two three", 8), (std::vector<std::string>{"one two ", "three"}));
+  EXPECT_EQ(WrapToCells("one two three", 8), (std::vector<std::string>{"one two", "three"}));
   EXPECT_EQ(WrapToCells("桜川桜", 3), (std::vector<std::string>{"桜", "川", "桜"}));
   EXPECT_EQ(WrapToCells("", 5), std::vector<std::string>{""});
 }

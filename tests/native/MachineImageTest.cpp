@@ -203,7 +203,7 @@ TEST_F(MachineImageTest, NeverLeavesItsFolder) {
   Write("drives/C/real.txt", "inside");
   fs::create_symlink(Root / "drives/C/real.txt", Root / "drives/C/link.txt");
   EXPECT_EQ(Load(), "");
-  for (const fs::path target : {fs::path("/etc/passwd"), fs::path("/"), fs::path("nowhere"), Root / "drives"}) {
+  for (const fs::path& target : {fs::path("/etc/passwd"), fs::path("/"), fs::path("nowhere"), Root / "drives"}) {
     fs::create_symlink(target, Root / "drives/C/bad");
     EXPECT_EQ(Load(), "drives/C/bad: the symbolic link does not lead to a file of the image") << target;
     fs::remove(Root / "drives/C/bad");

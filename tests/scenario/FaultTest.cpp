@@ -63,7 +63,9 @@ TEST_P(FaultTest, NoFailedCallLosesMoreThanWhatItReads) {
     const TLines found = session.ProgramTitles();
     EXPECT_TRUE(IsSubset(found, programs)) << "call " << number;
     // a single failure is at worst that of opening a list of keys, which holds two programs here
-    if (GetParam() == EFault::Transient) EXPECT_GE(found.size() + 2, programs.size()) << "call " << number;
+    if (GetParam() == EFault::Transient) {
+      EXPECT_GE(found.size() + 2, programs.size()) << "call " << number;
+    }
     session.Discover();
     TLines again = session.ProgramTitles();
     std::sort(again.begin(), again.end());

@@ -176,15 +176,15 @@ TEST_F(Log, DumpIsDeepAndCheap) {
 TEST_F(Log, AFailedSectionIsToldAndTheRestFollows) {
   Machine.Registry().SetTextAt(UninstallKey, u"a", u"1");
   Machine.Registry().AddKey(std::u16string(UninstallKey) + u"\\Sub");
-  for (const std::string_view failing : {"Modules.GetOwnPath", "System.GetProductType", "Registry.QueryKeyInfo"}) {
+  for (const std::string_view failing : {"GetOwnPath", "GetProductType", "QueryKeyInfo"}) {
     TFaultPlan plan(EFault::Persistent, 1, WinError::AccessDenied,
-                    [failing](const TCall& ACall) { return ACall.Name == failing; });
+                    [failing](const TCall& ACall) { return ACall.Method == failing; });
     TFaultyMachine faulty(Machine.Facilities(), plan);
     Load(faulty.Facilities());
     StatisticsLog::Reset();
     EXPECT_GT(plan.InjectionCount(), 0U) << failing;
     const std::vector<std::string> lines = Lines();
-    const bool raises = failing != "Registry.QueryKeyInfo";
+    const bool raises = failing != "QueryKeyInfo";
     EXPECT_EQ(std::count(lines.begin(), lines.end(), Separator), raises ? 7 : 5) << failing;
     EXPECT_EQ(Dump().size(), 5U) << failing;
     Unload();

@@ -111,9 +111,13 @@ TEST_F(SuiteServices, IndirectStringsAndLocaleNames) {
                                  u"@C:\\text.dll,-2147483648", u"@C:\\text.dll,-99999999999999999999"}) {
     EXPECT_EQ(DLLGlobals::ExtractResourceDescription(broken), u"");
   }
-  Machine.Files().AddFile(u"C:\\Windows\\names.dll", testing::PeWithStrings({{101, std::u16string(300, u'x')}}));
-  EXPECT_EQ(DLLGlobals::ExtractResourceDescription(u"@%windir%\\names.dll,-101"), std::u16string(259, u'x'));
-  EXPECT_EQ(DLLGlobals::ExtractResourceDescription(u"@%windir%\\names.dll,-102"), u"");
+  const std::u16string longText(300, u'x');
+  const std::u16string_view texts[] = {u"", longText};
+  testing::TPeBuilder executable;
+  executable.AddStrings(96, texts);
+  Machine.Files().AddFile(u"C:\\Windows\\names.dll", executable.Build());
+  EXPECT_EQ(DLLGlobals::ExtractResourceDescription(u"@%windir%\\names.dll,-97"), std::u16string(259, u'x'));
+  EXPECT_EQ(DLLGlobals::ExtractResourceDescription(u"@%windir%\\names.dll,-98"), u"");
   EXPECT_EQ(DLLGlobals::LocaleIDToString(std::uint32_t{0x407}), DLLGlobals::LocaleIDToString(u"de-DE"));
   EXPECT_FALSE(DLLGlobals::LocaleIDToString(std::uint32_t{0x407}).empty());
   EXPECT_EQ(DLLGlobals::LocaleIDToString(std::uint32_t{0xFFFFFF}), u"");
