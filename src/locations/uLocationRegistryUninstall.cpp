@@ -6,6 +6,7 @@
 #include "platform/Sync.h"
 #include "products/uItemProgram.h"
 #include "products/uItemUpdate.h"
+#include "registry/uKeyStore.h"
 #include "registry/uRegistryEx.h"
 #include "registry/uRegistryWalk.h"
 #include "services/uDLLGlobals.h"
@@ -98,13 +99,11 @@ bool TLocationRegistryUninstall::CheckChanges() {
 }
 
 void TLocationRegistryUninstall::ReadLocation() {
-  FKeys = std::make_unique<TKeyStore>(*FRegistry);
   struct TCleanUp {
     TLocationRegistryUninstall& Location;
     ~TCleanUp() {
       Location.FProgramList.Clear();
       Location.FUpdateList.Clear();
-      Location.FKeys.reset();
     }
   } cleanUp{*this};
   try {
@@ -169,25 +168,26 @@ std::u16string TLocationRegistryUninstall::GuidOf(const TKeySnapshot& AValues, s
 }
 
 bool TLocationRegistryUninstall::ReadEntry(TTemporaryInfo& AInfo, const TPlace& APlace, std::u16string_view AName,
-                                           const TKeySnapshot& AValues) {
+                                           const std::shared_ptr<const TKeySnapshot>& AValues) {
+  const TKeySnapshot& values = *AValues;
   if (AInfo.FInternalName.empty()) AInfo.FInternalName = AName;
-  if (AInfo.FDisplayName.empty()) AInfo.FDisplayName = DisplayNameOf(AValues);
+  if (AInfo.FDisplayName.empty()) AInfo.FDisplayName = DisplayNameOf(values);
   if (AInfo.FGUID.empty()) {
     const std::size_t lastDelimiter = APlace.Path.rfind(u'\\');
-    AInfo.FGUID = GuidOf(AValues, std::u16string_view(APlace.Path).substr(lastDelimiter + 1));
+    AInfo.FGUID = GuidOf(values, std::u16string_view(APlace.Path).substr(lastDelimiter + 1));
   }
   for (const std::u16string_view name : {u"ReleaseType", u"Type"}) {
     if (AInfo.FReleaseType != TReleaseType::rtNone) break;
-    if (const auto text = AValues.Text(name, Plain)) AInfo.FReleaseType = DLLGlobals::DecodeReleaseType(*text);
+    if (const auto text = values.Text(name, Plain)) AInfo.FReleaseType = DLLGlobals::DecodeReleaseType(*text);
   }
   if (AInfo.FReleaseType == TReleaseType::rtNone || AInfo.FReleaseType == TReleaseType::rtUpdate) {
     constexpr std::uint32_t LastPatchType = 8;
-    const std::uint32_t patchType = AValues.Number(u"PatchType").value_or(0);
+    const std::uint32_t patchType = values.Number(u"PatchType").value_or(0);
     if (patchType >= 1 && patchType <= LastPatchType) AInfo.FReleaseType = static_cast<TReleaseType>(patchType - 1);
   }
   const auto fill = [&](std::u16string& AField, std::u16string_view AValueName) {
     if (!AField.empty()) return;
-    if (auto text = AValues.Text(AValueName, Plain)) AField = std::move(*text);
+    if (auto text = values.Text(AValueName, Plain)) AField = std::move(*text);
   };
   fill(AInfo.FParentKeyName, u"ParentKeyName");
   fill(AInfo.FParentDisplayName, u"ParentDisplayName");
@@ -195,7 +195,7 @@ bool TLocationRegistryUninstall::ReadEntry(TTemporaryInfo& AInfo, const TPlace& 
       !(AInfo.FParentKeyName.empty() && AInfo.FParentDisplayName.empty())) {
     AInfo.FReleaseType = TReleaseType::rtUpdate;
   }
-  AInfo.AddKey(APlace.Text());
+  AInfo.AddKey({APlace.Text(), AValues, nullptr});
   return !AInfo.FDisplayName.empty() || !AInfo.FGUID.empty();
 }
 
@@ -206,7 +206,9 @@ void TLocationRegistryUninstall::ReadUninstallKeys(ERegistryRoot ARoot, std::uin
   if (FRegistry->OpenKey(ARoot, place.Path, KeyAccess::Read | AView, parent) != WinError::Success) return;
   // each key is read once; system components wait until every visible entry is known
   std::vector<std::pair<std::u16string, std::shared_ptr<const TKeySnapshot>>> systemComponents;
-  for (std::u16string& entry : EnumKeyNames(*FRegistry, parent)) {
+  std::vector<std::u16string> names = EnumKeyNames(*FRegistry, parent);
+  FProgramList.Expect(names.size());
+  for (std::u16string& entry : names) {
     CheckTerminated();
     auto values = TKeySnapshot::ReadAt(*FRegistry, parent, entry, KeyAccess::Read | AView);
     if (!values || !values->HasValues()) continue;
@@ -225,7 +227,7 @@ void TLocationRegistryUninstall::ReadUninstallKeys(ERegistryRoot ARoot, std::uin
 void TLocationRegistryUninstall::ReadVisibleEntry(const TPlace& APlace, std::u16string_view AName,
                                                   std::shared_ptr<const TKeySnapshot> AValues) {
   auto info = std::make_unique<TTemporaryInfo>();
-  if (!ReadEntry(*info, APlace, AName, *AValues)) return;
+  if (!ReadEntry(*info, APlace, AName, AValues)) return;
   if (FProgramList.Find(info->FGUID, info->FDisplayName) != nullptr) return;
   if (info->FReleaseType != TReleaseType::rtNone) {
     FUpdateList.Append(std::move(info));
@@ -236,7 +238,6 @@ void TLocationRegistryUninstall::ReadVisibleEntry(const TPlace& APlace, std::u16
       if (!guid.empty()) FProgramList.IndexGuid(guid, program);
     }
   }
-  FKeys->Put(APlace.Text(), std::move(AValues));
 }
 
 void TLocationRegistryUninstall::ReadSystemComponent(const TPlace& APlace, std::u16string_view AName,
@@ -247,10 +248,8 @@ void TLocationRegistryUninstall::ReadSystemComponent(const TPlace& APlace, std::
     FGUIDSystemList.insert(std::move(guid));
     return;
   }
-  std::u16string text = APlace.Text();
-  FProgramList.AddKey(text, *program);
+  FProgramList.AddKey({APlace.Text(), std::move(AValues), nullptr}, *program);
   FProgramList.AdoptGuid(guid, *program);
-  FKeys->Put(std::move(text), std::move(AValues));
 }
 
 void TLocationRegistryUninstall::ReadInstallerKeys(ERegistryRoot ARoot, std::uint32_t AView,
@@ -273,7 +272,8 @@ void TLocationRegistryUninstall::ReadInstallerProduct(const TPlace& AProduct, st
                                                       const std::u16string& AGuid) {
   TPlace dataPlace = AProduct.Below(u"InstallProperties");
   auto values = ReadKey(dataPlace);
-  if (!values) {
+  const bool isInner = values != nullptr;
+  if (!isInner) {
     dataPlace = AProduct;
     values = ReadKey(dataPlace);
   }
@@ -284,11 +284,14 @@ void TLocationRegistryUninstall::ReadInstallerProduct(const TPlace& AProduct, st
     auto info = std::make_unique<TTemporaryInfo>();
     info->FGUID = AGuid;
     info->FDisplayName = displayName;
-    if (ReadEntry(*info, dataPlace, AName, *values)) program = &FProgramList.Append(std::move(info));
+    if (ReadEntry(*info, dataPlace, AName, values)) program = &FProgramList.Append(std::move(info));
   }
   if (program == nullptr) return;
-  FKeys->Put(dataPlace.Text(), std::move(values));
-  FProgramList.AddKey(AProduct.Text(), *program);
+  if (isInner) {
+    FProgramList.AddKey({AProduct.Text(), nullptr, std::move(values)}, *program);
+  } else {
+    FProgramList.AddKey({AProduct.Text(), std::move(values), nullptr}, *program);
+  }
   FProgramList.AdoptGuid(AGuid, *program);
   ReadPatches(AProduct, *program);
 }
@@ -318,13 +321,11 @@ void TLocationRegistryUninstall::ReadPatch(const TPlace& APatch, std::u16string_
     info->FDisplayName = displayName;
     info->FParentDisplayName = AInfo.FDisplayName;
     info->FParentKeyName = AInfo.FInternalName;
-    if (ReadEntry(*info, APatch, AName, *values)) update = &FUpdateList.Append(std::move(info));
+    if (ReadEntry(*info, APatch, AName, values)) update = &FUpdateList.Append(std::move(info));
   }
   if (update == nullptr) return;
-  std::u16string text = APatch.Text();
-  FUpdateList.AddKey(text, *update);
+  FUpdateList.AddKey({APatch.Text(), std::move(values), nullptr}, *update);
   FUpdateList.AdoptGuid(guid, *update);
-  FKeys->Put(std::move(text), std::move(values));
 }
 
 void TLocationRegistryUninstall::ReadHotfixTree(const TPlace& AStart) {
@@ -358,7 +359,7 @@ void TLocationRegistryUninstall::ReadHotfix(const TPlace& APlace, const TKeySnap
     if (update == nullptr) program = FProgramList.FindByNumber(number);
   }
   if (program != nullptr) update = &MoveToUpdates(*program);
-  if (update != nullptr) FUpdateList.AddKey(APlace.Text(), *update);
+  if (update != nullptr) FUpdateList.AddKey({APlace.Text(), nullptr, nullptr}, *update);
 }
 
 TTemporaryInfo& TLocationRegistryUninstall::MoveToUpdates(TTemporaryInfo& AProgram) {
@@ -371,21 +372,26 @@ void TLocationRegistryUninstall::MergeUpdatesOverPrograms() {
   FUpdateList.ForEach([this](TTemporaryInfo& AUpdate) {
     TTemporaryInfo* const program = FProgramList.FindByNameAndGuid(AUpdate.FDisplayName, AUpdate.FGUID);
     if (program == nullptr) return;
-    for (const std::u16string& key : program->FRegistryKeys) AUpdate.AddKey(key);
+    for (TTemporaryInfo::TKey& key : program->Keys()) AUpdate.AddKey(std::move(key));
     FProgramList.Remove(*program);
   });
 }
 
 template <class TItem>
-void TLocationRegistryUninstall::Publish(TItem& AItem, std::u16string_view AAddLine, const TTemporaryInfo& AInfo) {
-  AItem.FDisplayNameNative = AInfo.FDisplayName;
-  AItem.FGUID = AInfo.FGUID;
-  AItem.FRegistryKeys.assign(AInfo.FRegistryKeys.begin(), AInfo.FRegistryKeys.end());
+void TLocationRegistryUninstall::Fill(TItem& AItem, std::u16string_view AAddLine, TTemporaryInfo& AInfo) {
+  AItem.FDisplayNameNative = std::move(AInfo.FDisplayName);
+  AItem.FGUID = std::move(AInfo.FGUID);
   StatisticsLog::Add(u"");
-  StatisticsLog::Add(AAddLine, {AInfo.FDisplayName, AInfo.FGUID});
-  for (const std::u16string& key : AInfo.FRegistryKeys) StatisticsLog::Add(key);
-  AItem.ReadFastInfo(*FKeys);
-  for (const std::u16string& key : AInfo.FRegistryKeys) FKeys->Drop(key);
+  StatisticsLog::Add(AAddLine, {AItem.FDisplayNameNative, AItem.FGUID});
+  TKeyStore keys(*FRegistry);
+  AItem.FRegistryKeys.reserve(AInfo.Keys().size());
+  for (TTemporaryInfo::TKey& key : AInfo.Keys()) {
+    StatisticsLog::Add(key.Text);
+    if (key.Values) keys.Put(key.Text, std::move(key.Values));
+    if (key.InnerValues) keys.Put(key.Text + u"InstallProperties\\", std::move(key.InnerValues));
+    AItem.FRegistryKeys.push_back(std::move(key.Text));
+  }
+  AItem.ReadFastInfo(keys);
 }
 
 namespace {
@@ -415,7 +421,7 @@ void TLocationRegistryUninstall::PublishPrograms() {
       return;
     }
     auto program = std::make_shared<TItemProgram>(FTypeLocation);
-    Publish(*program, u"Add Program: %s (%s)", AInfo);
+    Fill(*program, u"Add Program: %s (%s)", AInfo);
     list.Append(std::move(program));
   });
   RemoveVanished(list, u"Delete Program: %s (%s)", &TLocationUninstall::CheckTerminated,
@@ -436,7 +442,7 @@ void TLocationRegistryUninstall::PublishUpdates() {
     update->FReleaseType = AInfo.FReleaseType;
     update->FParentKeyName = AInfo.FParentKeyName;
     update->FParentDisplayName = AInfo.FParentDisplayName;
-    Publish(*update, u"Add Registry Update: %s (%s)", AInfo);
+    Fill(*update, u"Add Registry Update: %s (%s)", AInfo);
     list.Append(std::move(update));
   });
   RemoveVanished(

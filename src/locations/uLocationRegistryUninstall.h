@@ -11,7 +11,7 @@
 #include "locations/uLocationUninstall.h"
 #include "locations/uRegistryWatch.h"
 #include "locations/uTemporaryInfo.h"
-#include "registry/uKeyStore.h"
+#include "registry/uKeySnapshot.h"
 
 namespace varcolin {
 
@@ -60,13 +60,14 @@ class TLocationRegistryUninstall final : public TLocationUninstall {
   [[nodiscard]] static std::u16string GuidOf(const TKeySnapshot& AValues, std::u16string_view AKeyName);
   /// Fills what is still empty in a record from a key; false when the record then has neither name nor GUID.
   [[nodiscard]] static bool ReadEntry(TTemporaryInfo& AInfo, const TPlace& APlace, std::u16string_view AName,
-                                      const TKeySnapshot& AValues);
+                                      const std::shared_ptr<const TKeySnapshot>& AValues);
   [[nodiscard]] std::vector<std::u16string> SubKeyNames(const TPlace& APlace);
   [[nodiscard]] std::shared_ptr<const TKeySnapshot> ReadKey(const TPlace& APlace);
   /// Makes an update of a program record: a clone goes to the updates, the record itself is freed.
   [[nodiscard]] TTemporaryInfo& MoveToUpdates(TTemporaryInfo& AProgram);
+  /// Fills a new product from a record, whose texts and keys it takes over.
   template <class TItem>
-  void Publish(TItem& AItem, std::u16string_view AAddLine, const TTemporaryInfo& AInfo);
+  static void Fill(TItem& AItem, std::u16string_view AAddLine, TTemporaryInfo& AInfo);
 
   static inline IRegistry* FRegistry = nullptr;
 
@@ -75,7 +76,6 @@ class TLocationRegistryUninstall final : public TLocationUninstall {
   TTemporaryList FUpdateList;
   /// GUIDs of system components that matched no program; kept for as long as the location lives.
   std::set<std::u16string, TTextLess> FGUIDSystemList;
-  std::unique_ptr<TKeyStore> FKeys;  ///< while a read runs
 };
 
 }  // namespace varcolin

@@ -37,17 +37,35 @@ std::unique_ptr<TTemporaryInfo> TTemporaryInfo::Clone() const {
   copy->FInternalName = FInternalName;
   copy->FGUID = FGUID;
   copy->FDisplayName = FDisplayName;
-  for (const std::u16string& key : FRegistryKeys) copy->AddKey(key);
+  copy->FKeys = FKeys;
+  copy->FManyKeys = FManyKeys;
   copy->FReleaseType = FReleaseType;
   copy->FParentKeyName = FParentKeyName;
   copy->FParentDisplayName = FParentDisplayName;
   return copy;
 }
 
-bool TTemporaryInfo::AddKey(std::u16string_view AKeyText) {
-  if (FKeyViews.contains(AKeyText)) return false;
-  FKeyViews.insert(FRegistryKeys.emplace_back(AKeyText));
+bool TTemporaryInfo::AddKey(TKey AKey) {
+  constexpr std::size_t FewKeys = 8;
+  if (FKeys.size() < FewKeys) {
+    for (const TKey& known : FKeys) {
+      if (SameText(known.Text, AKey.Text)) return false;
+    }
+  } else {
+    if (FManyKeys.empty()) {
+      for (const TKey& known : FKeys) FManyKeys.insert(known.Text);
+    }
+    if (!FManyKeys.insert(AKey.Text).second) return false;
+  }
+  FKeys.push_back(std::move(AKey));
   return true;
+}
+
+void TTemporaryList::Expect(std::size_t ACount) {
+  const std::size_t total = FInfos.size() + ACount;
+  FInfos.reserve(total);
+  FByGuid.reserve(total);
+  FByName.reserve(2 * total);
 }
 
 TTemporaryInfo& TTemporaryList::Append(std::unique_ptr<TTemporaryInfo> AInfo) {
@@ -60,22 +78,22 @@ TTemporaryInfo& TTemporaryList::AppendWithoutGuid(std::unique_ptr<TTemporaryInfo
   TTemporaryInfo& info = *AInfo;
   const TPosition position = FInfos.size();
   FInfos.push_back(std::move(AInfo));
-  FPositions.emplace(&info, position);
-  FByName[info.FDisplayName].push_back(position);
-  if (!SameText(info.FDisplayName, info.FInternalName)) FByName[info.FInternalName].push_back(position);
+  info.FPosition = position;
+  AddUnder(FByName, info.FDisplayName, position);
+  if (!SameText(info.FDisplayName, info.FInternalName)) AddUnder(FByName, info.FInternalName, position);
   if (FHasKeyIndex) {
-    for (const std::u16string& key : info.FRegistryKeys) IndexKeyText(key, position);
+    for (const TTemporaryInfo::TKey& key : info.FKeys) IndexKeyText(key.Text, position);
   }
   if (FHasDigitIndex) {
     IndexDigits(info.FDisplayName, position);
     IndexDigits(info.FInternalName, position);
   }
-  if (FHasPairIndex) FByPair[PairKey(info.FDisplayName, info.FGUID)].push_back(position);
+  if (FHasPairIndex) AddUnder(FByPair, PairKey(info.FDisplayName, info.FGUID), position);
   return info;
 }
 
 void TTemporaryList::IndexGuid(std::u16string_view AGuid, TTemporaryInfo& AInfo) {
-  if (FByGuid.emplace(AGuid, &AInfo).second) FGuidsOf[&AInfo].emplace_back(AGuid);
+  if (FByGuid.try_emplace(std::u16string(AGuid), &AInfo).second) AInfo.FIndexedGuids.emplace_back(AGuid);
 }
 
 void TTemporaryList::AdoptGuid(std::u16string_view AGuid, TTemporaryInfo& AInfo) {
@@ -84,25 +102,17 @@ void TTemporaryList::AdoptGuid(std::u16string_view AGuid, TTemporaryInfo& AInfo)
   IndexGuid(AGuid, AInfo);
 }
 
-void TTemporaryList::AddKey(std::u16string_view AKeyText, TTemporaryInfo& AInfo) {
-  if (AInfo.AddKey(AKeyText) && FHasKeyIndex) IndexKeyText(AKeyText, PositionOf(AInfo));
+void TTemporaryList::AddKey(TTemporaryInfo::TKey AKey, TTemporaryInfo& AInfo) {
+  if (AInfo.AddKey(std::move(AKey)) && FHasKeyIndex) IndexKeyText(AInfo.FKeys.back().Text, AInfo.FPosition);
 }
 
 void TTemporaryList::Remove(TTemporaryInfo& AInfo) {
-  if (const auto guids = FGuidsOf.find(&AInfo); guids != FGuidsOf.end()) {
-    for (const std::u16string& guid : guids->second) FByGuid.erase(guid);
-    FGuidsOf.erase(guids);
-  }
-  const auto position = FPositions.find(&AInfo);
-  const TPosition index = position->second;
-  FPositions.erase(position);
-  FInfos[index].reset();
+  for (const std::u16string& guid : AInfo.FIndexedGuids) FByGuid.erase(guid);
+  FInfos[AInfo.FPosition].reset();
 }
 
 void TTemporaryList::Clear() {
-  FPositions.clear();
   FByGuid.clear();
-  FGuidsOf.clear();
   FByName.clear();
   FByKeyEnd.clear();
   FKeyAnswers.clear();
@@ -115,21 +125,15 @@ void TTemporaryList::Clear() {
 TTemporaryInfo* TTemporaryList::Find(std::u16string_view AGuid, std::u16string_view AName) const {
   if (const auto found = FByGuid.find(AGuid); found != FByGuid.end()) return found->second;
   if (AName.empty()) return nullptr;
-  const auto named = FByName.find(AName);
-  if (named == FByName.end()) return nullptr;
-  for (const TPosition position : named->second) {
-    if (FInfos[position]) return FInfos[position].get();
-  }
-  return nullptr;
+  return FirstUnder(FByName, AName);
 }
 
 TTemporaryInfo* TTemporaryList::FindByRegistryKey(std::u16string_view AEnd) {
   if (!FHasKeyIndex) {
     FHasKeyIndex = true;
-    for (TPosition position = 0; position < FInfos.size(); ++position) {
-      if (!FInfos[position]) continue;
-      for (const std::u16string& key : FInfos[position]->FRegistryKeys) IndexKeyText(key, position);
-    }
+    ForEach([this](const TTemporaryInfo& AInfo) {
+      for (const TTemporaryInfo::TKey& key : AInfo.FKeys) IndexKeyText(key.Text, AInfo.FPosition);
+    });
   }
   std::u16string reversed = Reversed(AEnd);
   // an answer stays the first one for as long as its record is listed: records found later stand behind it, and
@@ -138,7 +142,7 @@ TTemporaryInfo* TTemporaryList::FindByRegistryKey(std::u16string_view AEnd) {
     return FInfos[known->second].get();
   }
   TTemporaryInfo* const first = FirstWithPrefix(FByKeyEnd, reversed);
-  if (first != nullptr) FKeyAnswers.insert_or_assign(std::move(reversed), PositionOf(*first));
+  if (first != nullptr) FKeyAnswers.insert_or_assign(std::move(reversed), first->FPosition);
   return first;
 }
 
@@ -150,11 +154,10 @@ TTemporaryInfo* TTemporaryList::FindByNumber(std::u16string_view ANumber) {
   }
   if (!FHasDigitIndex) {
     FHasDigitIndex = true;
-    for (TPosition position = 0; position < FInfos.size(); ++position) {
-      if (!FInfos[position]) continue;
-      IndexDigits(FInfos[position]->FDisplayName, position);
-      IndexDigits(FInfos[position]->FInternalName, position);
-    }
+    ForEach([this](const TTemporaryInfo& AInfo) {
+      IndexDigits(AInfo.FDisplayName, AInfo.FPosition);
+      IndexDigits(AInfo.FInternalName, AInfo.FPosition);
+    });
   }
   return FirstWithPrefix(FByDigits, ANumber);
 }
@@ -162,16 +165,19 @@ TTemporaryInfo* TTemporaryList::FindByNumber(std::u16string_view ANumber) {
 TTemporaryInfo* TTemporaryList::FindByNameAndGuid(std::u16string_view AName, std::u16string_view AGuid) {
   if (!FHasPairIndex) {
     FHasPairIndex = true;
-    for (TPosition position = 0; position < FInfos.size(); ++position) {
-      if (const auto& info = FInfos[position]) FByPair[PairKey(info->FDisplayName, info->FGUID)].push_back(position);
-    }
+    ForEach([this](const TTemporaryInfo& AInfo) {
+      AddUnder(FByPair, PairKey(AInfo.FDisplayName, AInfo.FGUID), AInfo.FPosition);
+    });
   }
-  const auto found = FByPair.find(PairKey(AName, AGuid));
-  if (found == FByPair.end()) return nullptr;
-  for (const TPosition position : found->second) {
-    if (FInfos[position]) return FInfos[position].get();
-  }
-  return nullptr;
+  return FirstUnder(FByPair, PairKey(AName, AGuid));
+}
+
+TTemporaryInfo* TTemporaryList::FirstUnder(const TNameIndex& AIndex, std::u16string_view AKey) const {
+  const auto found = AIndex.find(AKey);
+  if (found == AIndex.end()) return nullptr;
+  const TPosition* const position =
+      found->second.Find([this](TPosition APosition) { return FInfos[APosition] != nullptr; });
+  return position == nullptr ? nullptr : FInfos[*position].get();
 }
 
 void TTemporaryList::ForEach(const std::function<void(TTemporaryInfo&)>& AVisit) const {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -13,32 +12,49 @@
 #include <vector>
 
 #include "intf/intf_Varcolin.h"
+#include "registry/uKeySnapshot.h"
+#include "support/uFewOf.h"
 #include "support/uText.h"
 
 namespace varcolin {
 
 /// One program or update found during one read. Texts are empty when unknown.
-struct TTemporaryInfo {
+class TTemporaryInfo {
+ public:
   TTemporaryInfo() = default;
-  TTemporaryInfo(const TTemporaryInfo&) = delete;  // its key views point into its own keys
+  TTemporaryInfo(const TTemporaryInfo&) = delete;
   TTemporaryInfo& operator=(const TTemporaryInfo&) = delete;
 
-  /// A copy of everything.
+  /// A copy of everything; it is in no list.
   [[nodiscard]] std::unique_ptr<TTemporaryInfo> Clone() const;
+
+  /// A registry key that belongs to the entry.
+  struct TKey {
+    std::u16string Text;
+    std::shared_ptr<const TKeySnapshot> Values;       ///< what the key held; null when it was not read
+    std::shared_ptr<const TKeySnapshot> InnerValues;  ///< what its subkey "InstallProperties" held
+  };
+
+  /// Adds a key; false when the record has it already, its text compared without regard to case.
+  bool AddKey(TKey AKey);
+  /// Every key that belongs to the entry, in the order found.
+  [[nodiscard]] std::vector<TKey>& Keys() noexcept { return FKeys; }
 
   std::u16string FInternalName;  ///< name of the registry key where the entry was first read
   std::u16string FGUID;          ///< brace form
   std::u16string FDisplayName;
-  std::deque<std::u16string> FRegistryKeys;  ///< key texts in the order found, none twice
   TReleaseType FReleaseType = TReleaseType::rtNone;
   std::u16string FParentKeyName;      ///< for updates: uninstall key name of the program that they belong to
   std::u16string FParentDisplayName;  ///< and its display name
 
-  /// Adds a key text; false when the record has it already, compared without regard to case.
-  bool AddKey(std::u16string_view AKeyText);
-
  private:
-  std::unordered_set<std::u16string_view, TTextHash, TTextEqual> FKeyViews;
+  friend class TTemporaryList;
+
+  std::vector<TKey> FKeys;
+  /// The key texts again once there are many of them, to find one among them.
+  std::unordered_set<std::u16string, TTextHash, TTextEqual> FManyKeys;
+  std::size_t FPosition = 0;                  ///< in its list
+  std::vector<std::u16string> FIndexedGuids;  ///< that lead to it there
 };
 
 /// Records in the order found, with an index for every look-up, so that none walks the list. The content of a record
@@ -49,6 +65,8 @@ class TTemporaryList {
   TTemporaryList(const TTemporaryList&) = delete;
   TTemporaryList& operator=(const TTemporaryList&) = delete;
 
+  /// Makes room for so many more records.
+  void Expect(std::size_t ACount);
   /// Appends a record and, when it has a GUID, indexes that.
   TTemporaryInfo& Append(std::unique_ptr<TTemporaryInfo> AInfo);
   /// Appends a record without indexing its GUID.
@@ -57,8 +75,8 @@ class TTemporaryList {
   void IndexGuid(std::u16string_view AGuid, TTemporaryInfo& AInfo);
   /// Gives a record that has no GUID one, and indexes it; an empty GUID changes nothing.
   void AdoptGuid(std::u16string_view AGuid, TTemporaryInfo& AInfo);
-  /// Adds a key text to a record unless it has it already.
-  void AddKey(std::u16string_view AKeyText, TTemporaryInfo& AInfo);
+  /// Adds a key to a record unless it has it already.
+  void AddKey(TTemporaryInfo::TKey AKey, TTemporaryInfo& AInfo);
   /// Frees a record and forgets every GUID that leads to it.
   void Remove(TTemporaryInfo& AInfo);
   void Clear();
@@ -80,21 +98,22 @@ class TTemporaryList {
   /// Position in the order found; positions of records taken out stay empty.
   using TPosition = std::size_t;
 
+  using TNameIndex = std::unordered_map<std::u16string, TFewOf<TPosition>, TTextHash, TTextEqual>;
+
   /// Texts of records, sorted so that all texts with a given beginning stand together.
   using TPrefixIndex = std::multimap<std::u16string, TPosition, std::less<>>;
 
-  [[nodiscard]] TPosition PositionOf(const TTemporaryInfo& AInfo) const { return FPositions.at(&AInfo); }
+  /// The first record under a key that is still listed; null when there is none.
+  [[nodiscard]] TTemporaryInfo* FirstUnder(const TNameIndex& AIndex, std::u16string_view AKey) const;
   /// The lowest position that is still filled among the texts that begin with APrefix.
   [[nodiscard]] TTemporaryInfo* FirstWithPrefix(const TPrefixIndex& AIndex, std::u16string_view APrefix) const;
   void IndexKeyText(std::u16string_view AKeyText, TPosition APosition);
   void IndexDigits(std::u16string_view AName, TPosition APosition);
 
   std::vector<std::unique_ptr<TTemporaryInfo>> FInfos;
-  std::unordered_map<const TTemporaryInfo*, TPosition> FPositions;
   std::unordered_map<std::u16string, TTemporaryInfo*, TTextHash, TTextEqual> FByGuid;
-  std::unordered_map<const TTemporaryInfo*, std::vector<std::u16string>> FGuidsOf;
   /// Positions in ascending order for each name; those that are no longer filled are passed over.
-  std::unordered_map<std::u16string, std::vector<TPosition>, TTextHash, TTextEqual> FByName;
+  TNameIndex FByName;
   // The indexes below are built when they are first asked for; most machines never ask.
   bool FHasKeyIndex = false;
   TPrefixIndex FByKeyEnd;  ///< key texts upper-cased and reversed
@@ -102,7 +121,7 @@ class TTemporaryList {
   bool FHasDigitIndex = false;
   TPrefixIndex FByDigits;  ///< every run of digits from each of its digits on
   bool FHasPairIndex = false;
-  std::unordered_map<std::u16string, std::vector<TPosition>, TTextHash, TTextEqual> FByPair;
+  TNameIndex FByPair;
 };
 
 }  // namespace varcolin

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "products/uItemProduct.h"
+#include "support/uFewOf.h"
 #include "support/uText.h"
 
 namespace varcolin {
@@ -43,8 +44,8 @@ class TProductList {
   /// Appends a record, whose identity and display name no longer change.
   void Append(TPointer AItem) {
     const std::lock_guard lock(FLock);
-    FByIdentity[Identity(AItem->FGUID, AItem->FDisplayNameNative, AItem->FLocation)].push_back(AItem.get());
-    FByDisplayName[AItem->FDisplayName].push_back(AItem.get());
+    AddUnder(FByIdentity, Identity(AItem->FGUID, AItem->FDisplayNameNative, AItem->FLocation), AItem.get());
+    AddUnder(FByDisplayName, AItem->FDisplayName, AItem.get());
     FItems.push_back(std::move(AItem));
     FCount = FItems.size();
   }
@@ -104,7 +105,7 @@ class TProductList {
   }
 
  private:
-  using TIndex = std::unordered_map<std::u16string, std::vector<TItem*>, TTextHash, TTextEqual>;
+  using TIndex = std::unordered_map<std::u16string, TFewOf<const TItem*>, TTextHash, TTextEqual>;
 
   [[nodiscard]] static std::u16string Identity(std::u16string_view AGuid, std::u16string_view AName,
                                                TTypeUninstallLocation ALocation) {
@@ -117,7 +118,8 @@ class TProductList {
   [[nodiscard]] TPointer First(const TIndex& AIndex, std::u16string_view AKey) const {
     const auto found = AIndex.find(AKey);
     if (found == AIndex.end()) return nullptr;
-    return std::static_pointer_cast<TItem>(found->second.front()->shared_from_this());
+    const auto shared = found->second.First()->shared_from_this();
+    return std::const_pointer_cast<TItem>(std::static_pointer_cast<const TItem>(shared));
   }
   void Forget(const TItem& AItem) {
     Unindex(FByIdentity, Identity(AItem.FGUID, AItem.FDisplayNameNative, AItem.FLocation), AItem);
@@ -125,8 +127,7 @@ class TProductList {
   }
   static void Unindex(TIndex& AIndex, std::u16string_view AKey, const TItem& AItem) {
     const auto found = AIndex.find(AKey);
-    std::erase(found->second, &AItem);
-    if (found->second.empty()) AIndex.erase(found);
+    if (!found->second.Remove(&AItem)) AIndex.erase(found);
   }
 
   std::recursive_mutex FLock;

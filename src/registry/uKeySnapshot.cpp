@@ -11,9 +11,40 @@ namespace varcolin {
 namespace {
 
 /// The most that is reserved on the word of a key's facts, which are only a hint.
-constexpr std::size_t MaxReservedValues = 256;
+constexpr std::uint32_t MaxReservedValues = 256;
 
 }  // namespace
+
+/// Gathers the values of one key until all are known.
+class TKeySnapshot::TCollector {
+ public:
+  explicit TCollector(std::uint32_t AExpected) { FEntries.reserve(std::min(AExpected, MaxReservedValues)); }
+
+  /// Passes over a value that would make the key larger than its offsets can tell.
+  void Add(const TRegistryValue& AValue) {
+    constexpr std::size_t Limit = std::numeric_limits<std::uint32_t>::max();
+    if (AValue.Data.size() > Limit - FData.size() || AValue.Name.size() > Limit - FNames.size()) return;
+    FEntries.push_back({static_cast<std::uint32_t>(FNames.size()), static_cast<std::uint32_t>(AValue.Name.size()),
+                        static_cast<std::uint32_t>(FData.size()), static_cast<std::uint32_t>(AValue.Data.size()),
+                        AValue.Type});
+    FNames += AValue.Name;
+    FData.insert(FData.end(), AValue.Data.begin(), AValue.Data.end());
+  }
+  void MoveTo(TKeySnapshot& ASnapshot) const {
+    const auto entries = std::as_bytes(std::span(FEntries));
+    const auto names = std::as_bytes(std::span(FNames));
+    auto block = std::make_unique<std::byte[]>(entries.size() + names.size() + FData.size());
+    std::ranges::copy(FData, std::ranges::copy(names, std::ranges::copy(entries, block.get()).out).out);
+    ASnapshot.FBlock = std::move(block);
+    ASnapshot.FEntryCount = static_cast<std::uint32_t>(FEntries.size());
+    ASnapshot.FNameUnits = static_cast<std::uint32_t>(FNames.size());
+  }
+
+ private:
+  std::vector<TEntry> FEntries;
+  std::u16string FNames;
+  std::vector<std::byte> FData;
+};
 
 std::shared_ptr<const TKeySnapshot> TKeySnapshot::Read(IRegistry& ARegistry, const TRegistryKey& AKey) {
   auto result = std::make_shared<TKeySnapshot>();
@@ -23,28 +54,16 @@ std::shared_ptr<const TKeySnapshot> TKeySnapshot::Read(IRegistry& ARegistry, con
     count = info.ValueCount;
     result->FMayHaveSubKeys = info.SubKeyCount != 0;
     result->FLastWriteTime = info.LastWriteTime;
-    result->FEntries.reserve(std::min<std::size_t>(info.ValueCount, MaxReservedValues));
   }
-  constexpr std::size_t limit = std::numeric_limits<std::uint32_t>::max();
+  TCollector collector(count.value_or(0));
   TRegistryValue value;
   WalkIndices(count, [&](std::uint32_t AIndex) {
     const TWinError error = ARegistry.EnumValue(AKey, AIndex, value);
-    if (error != WinError::Success) return error;
-    if (value.Data.size() > limit - result->FData.size() || value.Name.size() > limit - result->FNames.size()) {
-      return error;
-    }
-    result->FEntries.push_back(
-        {static_cast<std::uint32_t>(result->FNames.size()), static_cast<std::uint32_t>(value.Name.size()),
-         static_cast<std::uint32_t>(result->FData.size()), static_cast<std::uint32_t>(value.Data.size()), value.Type});
-    result->FNames += value.Name;
-    result->FData.insert(result->FData.end(), value.Data.begin(), value.Data.end());
+    if (error == WinError::Success) collector.Add(value);
     return error;
   });
-  // a snapshot is kept much longer than it takes to read
-  result->FEntries.shrink_to_fit();
-  result->FNames.shrink_to_fit();
-  result->FData.shrink_to_fit();
-  result->FValueCount = std::max(count.value_or(0), static_cast<std::uint32_t>(result->FEntries.size()));
+  collector.MoveTo(*result);
+  result->FValueCount = std::max(count.value_or(0), result->FEntryCount);
   return result;
 }
 
@@ -55,16 +74,25 @@ std::shared_ptr<const TKeySnapshot> TKeySnapshot::ReadAt(IRegistry& ARegistry, T
   return Read(ARegistry, key);
 }
 
-const TKeySnapshot::TEntry* TKeySnapshot::Find(std::u16string_view AName) const noexcept {
-  const std::u16string_view names = FNames;
-  const auto found = std::ranges::find_if(FEntries, [&](const TEntry& AEntry) {
-    return SameText(names.substr(AEntry.NameOffset, AEntry.NameLength), AName);
-  });
-  return found == FEntries.end() ? nullptr : &*found;
+std::span<const TKeySnapshot::TEntry> TKeySnapshot::Entries() const noexcept {
+  return {reinterpret_cast<const TEntry*>(FBlock.get()), FEntryCount};
+}
+
+std::u16string_view TKeySnapshot::NameOf(const TEntry& AEntry) const noexcept {
+  const std::byte* const names = FBlock.get() + Entries().size_bytes();
+  return {reinterpret_cast<const char16_t*>(names) + AEntry.NameOffset, AEntry.NameLength};
 }
 
 std::span<const std::byte> TKeySnapshot::DataOf(const TEntry& AEntry) const noexcept {
-  return std::span(FData).subspan(AEntry.DataOffset, AEntry.DataSize);
+  const std::byte* const data = FBlock.get() + Entries().size_bytes() + FNameUnits * sizeof(char16_t);
+  return {data + AEntry.DataOffset, AEntry.DataSize};
+}
+
+const TKeySnapshot::TEntry* TKeySnapshot::Find(std::u16string_view AName) const noexcept {
+  for (const TEntry& entry : Entries()) {
+    if (SameText(NameOf(entry), AName)) return &entry;
+  }
+  return nullptr;
 }
 
 std::optional<std::u16string> TKeySnapshot::Text(std::u16string_view AName, EStrings AKinds) const {
@@ -83,7 +111,7 @@ std::optional<std::uint32_t> TKeySnapshot::Number(std::u16string_view AName) con
   }
   std::uint32_t number = 0;
   for (std::uint32_t i = sizeof number; i-- != 0;) {
-    number = number << 8 | std::to_integer<std::uint32_t>(FData[entry->DataOffset + i]);
+    number = number << 8 | std::to_integer<std::uint32_t>(DataOf(*entry)[i]);
   }
   return number;
 }

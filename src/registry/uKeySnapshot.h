@@ -44,18 +44,23 @@ class TKeySnapshot {
 
  private:
   struct TEntry {
-    std::uint32_t NameOffset;  ///< into FNames
+    std::uint32_t NameOffset;  ///< into the names, in units
     std::uint32_t NameLength;
-    std::uint32_t DataOffset;  ///< into FData
+    std::uint32_t DataOffset;  ///< into the data, in bytes
     std::uint32_t DataSize;
     std::uint32_t Type;
   };
-  [[nodiscard]] const TEntry* Find(std::u16string_view AName) const noexcept;
-  [[nodiscard]] std::span<const std::byte> DataOf(const TEntry& AEntry) const noexcept;
+  class TCollector;
 
-  std::vector<TEntry> FEntries;
-  std::u16string FNames;
-  std::vector<std::byte> FData;
+  [[nodiscard]] std::span<const TEntry> Entries() const noexcept;
+  [[nodiscard]] std::u16string_view NameOf(const TEntry& AEntry) const noexcept;
+  [[nodiscard]] std::span<const std::byte> DataOf(const TEntry& AEntry) const noexcept;
+  [[nodiscard]] const TEntry* Find(std::u16string_view AName) const noexcept;
+
+  /// The entries, then the names, then the data: one piece of memory a key, since many keys are held at a time.
+  std::unique_ptr<const std::byte[]> FBlock;
+  std::uint32_t FEntryCount = 0;
+  std::uint32_t FNameUnits = 0;
   std::uint32_t FValueCount = 0;
   bool FMayHaveSubKeys = true;
   std::optional<TFileTime> FLastWriteTime;

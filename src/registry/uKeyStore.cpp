@@ -26,8 +26,4 @@ std::shared_ptr<const TKeySnapshot> TKeyStore::Get(std::u16string_view AKeyText)
   return TKeySnapshot::ReadAt(FRegistry, root, relative, KeyAccess::Read | flag);
 }
 
-void TKeyStore::Drop(std::u16string_view AKeyText) {
-  if (const auto found = FSnapshots.find(AKeyText); found != FSnapshots.end()) FSnapshots.erase(found);
-}
-
 }  // namespace varcolin

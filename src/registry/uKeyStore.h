@@ -11,9 +11,9 @@
 
 namespace varcolin {
 
-/// The snapshots of the keys that one read of the registry has met, by their registry key texts. Whoever reads a key
-/// deposits what it got; whoever asks for a key gets that, or a fresh reading. It lives for one read, so nothing it
-/// gives is older than that. One thread.
+/// The snapshots of a product's keys, by their registry key texts. Whoever finds the product deposits what it has read;
+/// whoever fills the product's record gets that, or a fresh reading. It lives no longer than the read that found the
+/// product, so nothing it gives is older than that. One thread.
 class TKeyStore {
  public:
   explicit TKeyStore(IRegistry& ARegistry) noexcept : FRegistry(ARegistry) {}
@@ -28,8 +28,6 @@ class TKeyStore {
   [[nodiscard]] std::shared_ptr<const TKeySnapshot> Find(std::u16string_view AKeyText) const;
   /// What was deposited, or else a fresh reading of the key (which is not deposited); null when it does not open.
   [[nodiscard]] std::shared_ptr<const TKeySnapshot> Get(std::u16string_view AKeyText) const;
-  /// Gives the memory of one key back.
-  void Drop(std::u16string_view AKeyText);
 
  private:
   IRegistry& FRegistry;

@@ -50,7 +50,8 @@ struct TTextEqual {
 };
 struct TTextHash {
   using is_transparent = void;
-  std::size_t operator()(std::u16string_view AText) const noexcept { return HashText(AText); }
+  // not noexcept: the standard containers then keep each hash, and growing need not read every text again
+  std::size_t operator()(std::u16string_view AText) const { return HashText(AText); }
 };
 
 /// AText without the units up to U+0020 at both ends.
