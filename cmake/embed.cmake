@@ -27,8 +27,8 @@ function(add_embedded TARGET FUNCTION FOLDER PATTERN)
     set(BODY "  static const TEmbeddedFile Files[] = {\n${ROWS}  };\n  return Files;\n")
   endif()
   set(GENERATED ${CMAKE_CURRENT_BINARY_DIR}/embedded)
-  file(CONFIGURE OUTPUT ${GENERATED}/${TARGET}.s CONTENT "${ASSEMBLY}" @ONLY)
-  file(CONFIGURE OUTPUT ${GENERATED}/${TARGET}.cpp CONTENT "#include \"platform/simulated/Embedded.h\"
+  file(GENERATE OUTPUT ${GENERATED}/${TARGET}.s CONTENT "${ASSEMBLY}")
+  file(GENERATE OUTPUT ${GENERATED}/${TARGET}.cpp CONTENT "#include \"platform/simulated/Embedded.h\"
 
 ${DECLARATIONS}
 namespace varcolin {
@@ -37,7 +37,7 @@ std::span<const TEmbeddedFile> ${FUNCTION}() noexcept {
 ${BODY}}
 
 }  // namespace varcolin
-" @ONLY)
+")
   set_source_files_properties(${GENERATED}/${TARGET}.s PROPERTIES LANGUAGE ASM OBJECT_DEPENDS "${FILES}")
   add_library(${TARGET} STATIC ${GENERATED}/${TARGET}.s ${GENERATED}/${TARGET}.cpp)
 endfunction()

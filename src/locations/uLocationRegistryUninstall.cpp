@@ -413,6 +413,7 @@ void RemoveVanished(TProductList<TItem>& AList, std::u16string_view ADeleteLine,
 
 void TLocationRegistryUninstall::PublishPrograms() {
   auto& list = TItemProgram::List();
+  list.Expect(FProgramList.FoundCount());
   FProgramList.ForEach([&](TTemporaryInfo& AInfo) {
     CheckTerminated();
     if (AInfo.FDisplayName.empty()) return;
@@ -432,6 +433,7 @@ void TLocationRegistryUninstall::PublishPrograms() {
 
 void TLocationRegistryUninstall::PublishUpdates() {
   auto& list = TItemUpdate::List();
+  list.Expect(FUpdateList.FoundCount());
   FUpdateList.ForEach([&](TTemporaryInfo& AInfo) {
     CheckTerminated();
     if (const auto known = list.Find(AInfo.FGUID, AInfo.FDisplayName, FTypeLocation)) {

@@ -65,6 +65,8 @@ class TTemporaryList {
   TTemporaryList(const TTemporaryList&) = delete;
   TTemporaryList& operator=(const TTemporaryList&) = delete;
 
+  /// Number of records found, those taken out included.
+  [[nodiscard]] std::size_t FoundCount() const noexcept { return FInfos.size(); }
   /// Makes room for so many more records.
   void Expect(std::size_t ACount);
   /// Appends a record and, when it has a GUID, indexes that.

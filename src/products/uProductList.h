@@ -41,6 +41,13 @@ class TProductList {
     const std::lock_guard lock(FLock);
     return FItems;
   }
+  /// Makes room for so many records in all.
+  void Expect(std::size_t ACount) {
+    const std::lock_guard lock(FLock);
+    FItems.reserve(ACount);
+    FByIdentity.reserve(ACount);
+    FByDisplayName.reserve(ACount);
+  }
   /// Appends a record, whose identity and display name no longer change.
   void Append(TPointer AItem) {
     const std::lock_guard lock(FLock);
