@@ -1,0 +1,60 @@
+#include "benchmarks/Figures.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace varcolin::benchmarks {
+
+namespace {
+
+double Median(std::vector<double> AValues) {
+  const auto middle = AValues.begin() + static_cast<std::ptrdiff_t>(AValues.size() / 2);
+  std::ranges::nth_element(AValues, middle);
+  return *middle;
+}
+
+std::string Text(double AValue, EUnit AUnit) {
+  char text[32];
+  std::snprintf(text, sizeof text, AUnit == EUnit::Ratio ? "%.2f" : "%.0f", AValue);
+  return text;
+}
+
+}  // namespace
+
+int RunFigures(std::span<const TFigure> AFigures, std::string_view ABeginning) {
+  bool broken = false;
+  for (const TFigure& figure : AFigures) {
+    if (!figure.Name.starts_with(ABeginning)) continue;
+    const double value = figure.Measure();
+    std::printf("%.*s %s=%s bound=%s\n", static_cast<int>(figure.Name.size()), figure.Name.data(),
+                figure.Unit == EUnit::Ratio ? "ratio" : "bytes", Text(value, figure.Unit).c_str(),
+                figure.Bound ? Text(*figure.Bound, figure.Unit).c_str() : "-");
+    std::fflush(stdout);
+    // a figure that is no number has not kept its bound either
+    if (figure.Bound && !(value <= *figure.Bound)) broken = true;
+  }
+  return broken ? 1 : 0;
+}
+
+double RatioOfMedians(int ARounds, const std::function<double()>& AFirst, const std::function<double()>& ASecond) {
+  std::vector<double> first;
+  std::vector<double> second;
+  AFirst();
+  ASecond();
+  for (int round = 0; round < ARounds; ++round) {
+    first.push_back(AFirst());
+    second.push_back(ASecond());
+  }
+  return Median(std::move(first)) / Median(std::move(second));
+}
+
+double SecondsOf(const std::function<void()>& AAction) {
+  const auto begin = std::chrono::steady_clock::now();
+  AAction();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+}  // namespace varcolin::benchmarks

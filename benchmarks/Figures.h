@@ -1,0 +1,33 @@
+// What the benchmark programs measure, and how they report it.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace varcolin::benchmarks {
+
+enum class EUnit { Ratio, Bytes };
+
+/// One measured figure and the bound that it must not exceed.
+struct TFigure {
+  std::string_view Name;  ///< with its size: "discovery_calls/500"
+  EUnit Unit;
+  std::optional<double> Bound;  ///< none: the figure is only reported
+  double (*Measure)();
+};
+
+/// Measures the figures whose names begin with ABeginning and prints a line for each: "NAME/SIZE ratio=1.12
+/// bound=1.30". The program's exit code: 0, or 1 when a bound is broken. Exceptions of a figure pass.
+[[nodiscard]] int RunFigures(std::span<const TFigure> AFigures, std::string_view ABeginning);
+
+/// Runs both in turn ARounds times, each once before that to warm up, and gives the median of the first one's results
+/// divided by the median of the second one's.
+[[nodiscard]] double RatioOfMedians(int ARounds, const std::function<double()>& AFirst,
+                                    const std::function<double()>& ASecond);
+
+/// The time that AAction takes, in seconds.
+[[nodiscard]] double SecondsOf(const std::function<void()>& AAction);
+
+}  // namespace varcolin::benchmarks

@@ -1,0 +1,185 @@
+// The benchmarks over a simulated machine:
+//   benchmarks [NAME]      measures the figures whose names begin with NAME, or all
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "benchmarks/Allocations.native.h"
+#include "benchmarks/Figures.h"
+#include "benchmarks/ListPhase.h"
+#include "benchmarks/UninstallKeys.h"
+#include "library/NativeRoot.h"
+#include "library/uVarcolin.h"
+#include "platform/simulated/RegistryText.h"
+
+namespace varcolin::benchmarks {
+
+namespace {
+
+/// A machine with the uninstall keys of a number of programs.
+class TFilledMachine {
+ public:
+  explicit TFilledMachine(std::size_t APrograms) : FPrograms(APrograms) {
+    WriteUninstallKeys(Machine().Registry(), TUninstallKeys(APrograms));
+    Machine().Registry().ClearChanges();
+  }
+
+  [[nodiscard]] TSimulatedMachine& Machine() noexcept { return FInstalled.Machine(); }
+  /// Reads the lists once from nothing and gives the time of it.
+  [[nodiscard]] double ListSeconds() {
+    const TListPhase phase(Machine().Facilities());
+    const double seconds = SecondsOf([&] { phase.Run(); });
+    CheckCount(phase.ProgramCount());
+    return seconds;
+  }
+  /// A figure is worth nothing when the lists are not complete.
+  void CheckCount(std::size_t AListed) const {
+    if (AListed == FPrograms) return;
+    throw std::runtime_error(std::to_string(AListed) + " of " + std::to_string(FPrograms) + " programs were listed");
+  }
+
+ private:
+  std::size_t FPrograms;
+  TInstalledMachine FInstalled{TSimulatedFacts{}};
+};
+
+/// The registry calls of the list phase, or of everything until the lists are there, against those of a bare walk.
+template <std::size_t Programs, bool WithLog = false>
+double DiscoveryCalls() {
+  TFilledMachine machine(Programs);
+  const TMachine facilities = machine.Machine().Facilities();
+  TCountingRegistry bare(facilities.Registry);
+  TBareWalk(facilities.Registry).Run(bare);
+  TCountingRegistry counting(facilities.Registry);
+  const TListPhase phase(WithRegistry(facilities, counting));
+  if (WithLog) phase.StartLog();
+  phase.Run();
+  machine.CheckCount(phase.ProgramCount());
+  return static_cast<double>(counting.Calls()) / static_cast<double>(bare.Calls());
+}
+
+double DiscoveryGrowth() {
+  constexpr int Rounds = 9;
+  constexpr std::size_t Smaller = 5'000;
+  constexpr int Factor = 10;
+  std::unique_ptr<TFilledMachine> machine;
+  // one machine at a time has the suite installed, so both are made anew in each round
+  const auto secondsOf = [&](std::size_t APrograms) {
+    machine.reset();
+    machine = std::make_unique<TFilledMachine>(APrograms);
+    return machine->ListSeconds();
+  };
+  return RatioOfMedians(
+             Rounds, [&] { return secondsOf(Smaller * Factor); }, [&] { return secondsOf(Smaller); }) /
+         Factor;
+}
+
+/// A file of the temporary folder, removed in the end.
+class TTemporaryFile {
+ public:
+  explicit TTemporaryFile(std::u16string_view AContent)
+      : FPath(std::filesystem::temp_directory_path() / ("varcolin-export-" + std::to_string(::getpid()) + ".reg")) {
+    std::ofstream file(FPath, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(AContent.data()),
+               static_cast<std::streamsize>(AContent.size() * sizeof(char16_t)));
+    if (!file.flush()) throw std::runtime_error("cannot write " + FPath.string());
+  }
+  TTemporaryFile(const TTemporaryFile&) = delete;
+  TTemporaryFile& operator=(const TTemporaryFile&) = delete;
+  ~TTemporaryFile() {
+    std::error_code error;
+    std::filesystem::remove(FPath, error);
+  }
+
+  [[nodiscard]] std::vector<std::byte> Read() const {
+    std::vector<std::byte> data(std::filesystem::file_size(FPath));
+    std::ifstream file(FPath, std::ios::binary);
+    if (!file.read(reinterpret_cast<char*>(data.data()), static_cast<std::streamsize>(data.size()))) {
+      throw std::runtime_error("cannot read " + FPath.string());
+    }
+    return data;
+  }
+
+ private:
+  std::filesystem::path FPath;
+};
+
+double RegistryTextLoad() {
+  constexpr int Rounds = 5;
+  constexpr std::size_t Programs = 23'600;  // 70 MB
+  const TTemporaryFile file(ExportOf(TUninstallKeys(Programs)));
+  const auto load = [&] {
+    TSimulatedMachine machine;
+    return SecondsOf([&] { LoadRegistryText(file.Read(), "export.reg", machine.Registry()); });
+  };
+  const auto read = [&] { return SecondsOf([&] { static_cast<void>(file.Read()); }); };
+  return RatioOfMedians(Rounds, load, read);
+}
+
+/// Reads every property of every program and keeps the products, as a host that shows a list does.
+std::vector<TInterfaceRef<IProduct>> ReadAllPrograms(IVarcolin& AManager) {
+  constexpr std::int32_t PropertyCount = static_cast<std::int32_t>(TPropertyID::ParentDisplayName) + 1;
+  TInterfaceRef<IProductCollection> programs;
+  AManager.GetPrograms(programs.Receive());
+  std::vector<TInterfaceRef<IProduct>> products(static_cast<std::size_t>(programs->GetCount()));
+  TVariantValue value;
+  for (std::size_t index = 0; index < products.size(); ++index) {
+    programs->GetItem(static_cast<std::int32_t>(index), products[index].Receive());
+    for (std::int32_t id = 0; id < PropertyCount; ++id) products[index]->GetProperty(id, value.Receive());
+  }
+  return products;
+}
+
+double ListMemory() {
+  constexpr std::size_t Programs = 5'000;
+  TFilledMachine machine(Programs);
+  const TLibraryModules modules(machine.Machine().Facilities());
+  IVarcolin& manager = *TVarcolin::Instance(VarcolinGuidText.data());
+  std::size_t peak = 0;
+  {
+    // the machine's registry is filled before; the little that it allocates meanwhile is counted with the rest
+    const TAllocationCount allocations;
+    manager.Refresh();
+    while (manager.GetState() != TVRCState::vrcsLoaded) std::this_thread::yield();
+    machine.CheckCount(ReadAllPrograms(manager).size());
+    peak = allocations.Peak();
+  }
+  manager.Stop();
+  return static_cast<double>(peak) / Programs;
+}
+
+constexpr TFigure Figures[] = {
+    {"discovery_calls/500", EUnit::Ratio, 2.0, &DiscoveryCalls<500>},
+    {"discovery_calls/5000", EUnit::Ratio, 2.0, &DiscoveryCalls<5'000>},
+    {"discovery_calls/50000", EUnit::Ratio, 2.0, &DiscoveryCalls<50'000>},
+    {"discovery_calls_with_log/5000", EUnit::Ratio, std::nullopt, &DiscoveryCalls<5'000, true>},
+    {"discovery_growth/50000", EUnit::Ratio, 1.1, &DiscoveryGrowth},
+    {"registry_text_load/70MB", EUnit::Ratio, std::nullopt, &RegistryTextLoad},
+    {"list_memory/5000", EUnit::Bytes, 8192, &ListMemory},
+};
+
+}  // namespace
+
+}  // namespace varcolin::benchmarks
+
+int main(int AArgumentCount, char** AArguments) {
+  using namespace varcolin::benchmarks;
+  if (AArgumentCount > 2) {
+    std::fputs("usage: benchmarks [NAME]\n", stderr);
+    return 2;
+  }
+  try {
+    return RunFigures(Figures, AArgumentCount == 2 ? AArguments[1] : "");
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "benchmarks: %s\n", error.what());
+    return 2;
+  }
+}
