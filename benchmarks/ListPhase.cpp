@@ -1,12 +1,12 @@
 #include "benchmarks/ListPhase.h"
 
+#include <thread>
 #include <utility>
 
 #include "benchmarks/UninstallKeys.h"
 #include "locations/uLocationUninstall.h"
 #include "platform/Com.h"
 #include "products/uItemProgram.h"
-#include "services/uStatisticsLog.h"
 #include "support/uExceptions.h"
 
 namespace varcolin::benchmarks {
@@ -27,9 +27,10 @@ void Check(TWinError ACode) {
 
 TListPhase::TListPhase(const TMachine& AMachine) : FMachine(AMachine), FModules(AMachine) {}
 
-void TListPhase::StartLog() const {
-  const TComScope com(FMachine.Com, ECom::Apartment);
-  StatisticsLog::Reset();
+void TListPhase::RunReader() {
+  TLocationUninstall::Refresh();
+  while (TLocationUninstall::State() == TVRCState::vrcsListLoading) std::this_thread::yield();
+  TLocationUninstall::Cancel();
 }
 
 void TListPhase::Run() const {

@@ -19,8 +19,9 @@ class TListPhase {
  public:
   explicit TListPhase(const TMachine& AMachine);
 
-  /// The step before the list phase: starts the log afresh, which describes the machine.
-  void StartLog() const;
+  /// The same as the reader does it: starts the log afresh, which describes the machine, and reads the lists. Details
+  /// may be read as well.
+  static void RunReader();
   /// The list phase itself: reads the lists; to be called once.
   void Run() const;
   /// The number of programs that are listed.

@@ -60,8 +60,11 @@ double DiscoveryCalls() {
   TBareWalk(facilities.Registry).Run(bare);
   TCountingRegistry counting(facilities.Registry);
   const TListPhase phase(WithRegistry(facilities, counting));
-  if (WithLog) phase.StartLog();
-  phase.Run();
+  if (WithLog) {
+    phase.RunReader();
+  } else {
+    phase.Run();
+  }
   machine.CheckCount(phase.ProgramCount());
   return static_cast<double>(counting.Calls()) / static_cast<double>(bare.Calls());
 }

@@ -1,6 +1,5 @@
 # The benchmarks: one program for each target, of the sources that both share and of the target's own (*.native.cpp,
 # *.windows.cpp). They are built with everything else, so that they keep compiling.
-include_guard(GLOBAL)
 file(GLOB SOURCES CONFIGURE_DEPENDS benchmarks/*.cpp)
 if(WIN32)
   list(FILTER SOURCES EXCLUDE REGEX "\\.native\\.cpp$")

@@ -30,8 +30,6 @@ target_link_libraries(Varcolin PRIVATE native_root)
 
 include(cmake/host.cmake)
 
-include(cmake/benchmarks.cmake)
-
 enable_testing()
 include(GoogleTest)
 file(GLOB SOURCES CONFIGURE_DEPENDS tests/common/*.cpp tests/unit/*.cpp tests/contract/*.cpp tests/scenario/*.cpp

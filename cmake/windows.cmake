@@ -85,5 +85,3 @@ target_link_libraries(windows_tests PRIVATE library siblings decorators gtest gt
 enable_testing()
 add_test(NAME old_windows COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${CMAKE_OBJDUMP} -DFOLDER=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
          -P ${CMAKE_SOURCE_DIR}/cmake/old-windows.cmake)
-
-include(cmake/benchmarks.cmake)

@@ -44,7 +44,7 @@ struct TModuleRow {
 void NothingToUnload() noexcept {}
 
 void LoadLocations(const TMachine& AMachine) {
-  TLocationUninstall::Load(AMachine.Sync, AMachine.Com);
+  TLocationUninstall::Load(AMachine.Registry, AMachine.Sync, AMachine.Com);
   TLocationRegistryUninstall::Load(AMachine.Registry);
   TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationExeInfo>(); });
   TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationRegistryUninstall>(); });

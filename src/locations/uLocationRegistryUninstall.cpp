@@ -6,6 +6,7 @@
 #include "platform/Sync.h"
 #include "products/uItemProgram.h"
 #include "products/uItemUpdate.h"
+#include "registry/uKeyCache.h"
 #include "registry/uKeyStore.h"
 #include "registry/uRegistryEx.h"
 #include "registry/uRegistryWalk.h"
@@ -107,7 +108,9 @@ void TLocationRegistryUninstall::ReadLocation() {
     }
   } cleanUp{*this};
   try {
-    ReadEverything();
+    TKeyCache fresh(*FRegistry);
+    TKeyCache* const before = ReadBefore();
+    ReadEverything(before != nullptr && !FWatch.IsSignaled() ? *before : fresh);
   } catch (const EAbort&) {
     // ends this read quietly; the reader thread sees its request to end by itself
   } catch (const std::exception&) {
@@ -115,10 +118,10 @@ void TLocationRegistryUninstall::ReadLocation() {
   }
 }
 
-void TLocationRegistryUninstall::ReadEverything() {
+void TLocationRegistryUninstall::ReadEverything(TKeyCache& AKeys) {
   const std::vector<std::uint32_t> views = ViewsToScan();
   for (const std::uint32_t view : views) {
-    for (const ERegistryRoot root : MachineThenUser) ReadUninstallKeys(root, view);
+    for (const ERegistryRoot root : MachineThenUser) ReadUninstallKeys(root, view, AKeys);
   }
   CheckTerminated();
   const std::u16string userSid = UserSid();
@@ -199,23 +202,26 @@ bool TLocationRegistryUninstall::ReadEntry(TTemporaryInfo& AInfo, const TPlace& 
   return !AInfo.FDisplayName.empty() || !AInfo.FGUID.empty();
 }
 
-void TLocationRegistryUninstall::ReadUninstallKeys(ERegistryRoot ARoot, std::uint32_t AView) {
+void TLocationRegistryUninstall::ReadUninstallKeys(ERegistryRoot ARoot, std::uint32_t AView, TKeyCache& AKeys) {
   CheckTerminated();
   const TPlace place{ARoot, AView, std::u16string(UninstallPath)};
-  TRegistryKey parent;
-  if (FRegistry->OpenKey(ARoot, place.Path, KeyAccess::Read | AView, parent) != WinError::Success) return;
+  const auto parent = AKeys.Read(ARoot, place.Path, AView);
+  if (!parent) return;
+  FProgramList.Expect(parent->SubKeys.size());
+  // the user's keys are the same in both views, and the process's own view is the last one
+  const bool isLastRead = ARoot != ERegistryRoot::CurrentUser || AView == 0;
   // each key is read once; system components wait until every visible entry is known
-  std::vector<std::pair<std::u16string, std::shared_ptr<const TKeySnapshot>>> systemComponents;
-  std::vector<std::u16string> names = EnumKeyNames(*FRegistry, parent);
-  FProgramList.Expect(names.size());
-  for (std::u16string& entry : names) {
+  std::vector<std::pair<std::u16string_view, std::shared_ptr<const TKeySnapshot>>> systemComponents;
+  for (const std::u16string& entry : parent->SubKeys) {
     CheckTerminated();
-    auto values = TKeySnapshot::ReadAt(*FRegistry, parent, entry, KeyAccess::Read | AView);
-    if (!values || !values->HasValues()) continue;
-    if (IsSystemComponent(*values)) {
-      systemComponents.emplace_back(std::move(entry), std::move(values));
+    const TPlace below = place.Below(entry);
+    const auto key = AKeys.Read(ARoot, below.Path, AView);
+    if (isLastRead) AKeys.Forget(ARoot, below.Path, AView);
+    if (!key || !key->Values->HasValues()) continue;
+    if (IsSystemComponent(*key->Values)) {
+      systemComponents.emplace_back(entry, key->Values);
     } else {
-      ReadVisibleEntry(place.Below(entry), entry, std::move(values));
+      ReadVisibleEntry(below, entry, key->Values);
     }
   }
   for (auto& [entry, values] : systemComponents) {

@@ -40,8 +40,8 @@ class TLocationRegistryUninstall final : public TLocationUninstall {
     [[nodiscard]] std::u16string Text() const;
   };
 
-  void ReadEverything();
-  void ReadUninstallKeys(ERegistryRoot ARoot, std::uint32_t AView);
+  void ReadEverything(TKeyCache& AKeys);
+  void ReadUninstallKeys(ERegistryRoot ARoot, std::uint32_t AView, TKeyCache& AKeys);
   void ReadVisibleEntry(const TPlace& APlace, std::u16string_view AName, std::shared_ptr<const TKeySnapshot> AValues);
   void ReadSystemComponent(const TPlace& APlace, std::u16string_view AName,
                            std::shared_ptr<const TKeySnapshot> AValues);

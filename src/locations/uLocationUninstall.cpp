@@ -9,6 +9,7 @@
 #include "products/uItemProgram.h"
 #include "products/uItemUpdate.h"
 #include "products/uThreadExceptionHandler.h"
+#include "registry/uKeyCache.h"
 #include "services/uStatisticsLog.h"
 #include "support/uExceptions.h"
 #include "support/uThread.h"
@@ -23,10 +24,11 @@ constexpr std::uint32_t WatchInterval = 1000;
 }  // namespace
 
 struct TLocationUninstall::TState {
-  TState(ISync& ASync, ICom& ACom) : Sync(ASync), Com(ACom) {
+  TState(IRegistry& ARegistry, ISync& ASync, ICom& ACom) : Registry(ARegistry), Sync(ASync), Com(ACom) {
     if (const TWinError code = Sync.MakeEvent(false, WakeEvent); code != WinError::Success) throw EOSError(code, u"");
   }
 
+  IRegistry& Registry;
   ISync& Sync;
   ICom& Com;
   TEvent WakeEvent;
@@ -35,13 +37,16 @@ struct TLocationUninstall::TState {
   std::mutex CreationLock;
   std::atomic<bool> Created{false};
   std::vector<std::unique_ptr<TLocationUninstall>> Locations;
+  TKeyCache* ReadBefore = nullptr;  ///< the reader's own
   /// Set before the reader starts and cleared after it has ended, so the reader itself reads it without a lock.
   std::unique_ptr<TThread> Reader;
 };
 
 std::unique_ptr<TLocationUninstall::TState> TLocationUninstall::FState;
 
-void TLocationUninstall::Load(ISync& ASync, ICom& ACom) { FState = std::make_unique<TState>(ASync, ACom); }
+void TLocationUninstall::Load(IRegistry& ARegistry, ISync& ASync, ICom& ACom) {
+  FState = std::make_unique<TState>(ARegistry, ASync, ACom);
+}
 
 void TLocationUninstall::Unload() noexcept {
   if (FState) Cancel();
@@ -72,6 +77,8 @@ TLocationUninstall* TLocationUninstall::Location(TTypeUninstallLocation AIndex) 
   }
   return nullptr;
 }
+
+TKeyCache* TLocationUninstall::ReadBefore() noexcept { return FState->ReadBefore; }
 
 TVRCState TLocationUninstall::State() noexcept { return FState->LoadingState; }
 
@@ -105,8 +112,7 @@ void TLocationUninstall::CheckTerminated() {
 void TLocationUninstall::RunReader(const TThread& AThread) {
   const TComScope com(FState->Com, ECom::Apartment);
   try {
-    StatisticsLog::Reset();
-    ReadLists();
+    StartLogAndReadLists();
     FState->LoadingState.exchange(TVRCState::vrcsInfoLoading);
     while (!AThread.Terminated()) {
       ReadDetails();
@@ -124,6 +130,23 @@ void TLocationUninstall::RunReader(const TThread& AThread) {
   } catch (const std::exception&) {
     // the log itself cannot be written: there is nowhere left to say so
   }
+}
+
+void TLocationUninstall::StartLogAndReadLists() {
+  try {
+    // arms their watches: what the log's header reads of the registry is what the lists read, unless a watch says no
+    static_cast<void>(Locations());
+  } catch (const std::exception&) {
+    StatisticsLog::Reset();
+    throw;
+  }
+  TKeyCache keys(FState->Registry);
+  StatisticsLog::Reset(keys);
+  struct TScope {
+    explicit TScope(TKeyCache& AKeys) { FState->ReadBefore = &AKeys; }
+    ~TScope() { FState->ReadBefore = nullptr; }
+  } const scope(keys);
+  ReadLists();
 }
 
 void TLocationUninstall::ReadLists() {

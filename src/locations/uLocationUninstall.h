@@ -12,6 +12,8 @@ namespace varcolin {
 
 class ISync;
 class ICom;
+class IRegistry;
+class TKeyCache;
 class TThread;
 
 /// One source of installed software. Locations are created and read on the reader thread.
@@ -32,7 +34,7 @@ class TLocationUninstall {
 
   // Class operations. Refresh and Cancel are called by one thread at a time; State by any.
 
-  static void Load(ISync& ASync, ICom& ACom);
+  static void Load(IRegistry& ARegistry, ISync& ASync, ICom& ACom);
   /// Cancels a running reader and frees the locations.
   static void Unload() noexcept;
 
@@ -53,11 +55,15 @@ class TLocationUninstall {
  protected:
   explicit TLocationUninstall(TTypeUninstallLocation ATypeLocation) noexcept : FTypeLocation(ATypeLocation) {}
   [[nodiscard]] static ISync& Sync() noexcept;
+  /// What the reader has read of the registry since the locations were made; null while it has kept nothing. A location
+  /// may use it when its own watch has seen no change.
+  [[nodiscard]] static TKeyCache* ReadBefore() noexcept;
 
  private:
   struct TState;
 
   static void RunReader(const TThread& AThread);
+  static void StartLogAndReadLists();
   static void ReadLists();
   static void ReadDetails();
   static void WaitForChanges();

@@ -63,9 +63,11 @@ bool TTemporaryInfo::AddKey(TKey AKey) {
 
 void TTemporaryList::Expect(std::size_t ACount) {
   const std::size_t total = FInfos.size() + ACount;
-  FInfos.reserve(total);
-  FByGuid.reserve(total);
-  FByName.reserve(2 * total);
+  if (total <= FInfos.capacity()) return;
+  // twice as much as is wanted now: several places are read one after another, and a growing index reads itself anew
+  FInfos.reserve(2 * total);
+  FByGuid.reserve(2 * total);
+  FByName.reserve(4 * total);
 }
 
 TTemporaryInfo& TTemporaryList::Append(std::unique_ptr<TTemporaryInfo> AInfo) {

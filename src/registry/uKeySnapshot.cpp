@@ -52,7 +52,7 @@ std::shared_ptr<const TKeySnapshot> TKeySnapshot::Read(IRegistry& ARegistry, con
   std::optional<std::uint32_t> count;
   if (ARegistry.QueryKeyInfo(AKey, info) == WinError::Success) {
     count = info.ValueCount;
-    result->FMayHaveSubKeys = info.SubKeyCount != 0;
+    result->FSubKeyCount = info.SubKeyCount;
     result->FLastWriteTime = info.LastWriteTime;
   }
   TCollector collector(count.value_or(0));

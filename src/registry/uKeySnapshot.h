@@ -29,7 +29,9 @@ class TKeySnapshot {
 
   [[nodiscard]] bool HasValues() const noexcept { return FValueCount != 0; }
   /// False only when the key is known to have no subkeys.
-  [[nodiscard]] bool MayHaveSubKeys() const noexcept { return FMayHaveSubKeys; }
+  [[nodiscard]] bool MayHaveSubKeys() const noexcept { return FSubKeyCount != 0U; }
+  /// Number of subkeys, none when the key's facts could not be read.
+  [[nodiscard]] std::optional<std::uint32_t> SubKeyCount() const noexcept { return FSubKeyCount; }
   /// Last write time, none when the key's facts could not be read.
   [[nodiscard]] std::optional<TFileTime> LastWriteTime() const noexcept { return FLastWriteTime; }
 
@@ -41,6 +43,12 @@ class TKeySnapshot {
   [[nodiscard]] bool Flag(std::u16string_view AName) const noexcept { return Number(AName).value_or(0) != 0; }
   /// The strings of a multi-string value; none when it is absent or of another type.
   [[nodiscard]] std::optional<std::vector<std::u16string>> Strings(std::u16string_view AName) const;
+
+  /// Calls AVisit(name, type, data) for every value, in stored order.
+  template <class TVisit>
+  void ForEachValue(TVisit AVisit) const {
+    for (const TEntry& entry : Entries()) AVisit(NameOf(entry), entry.Type, DataOf(entry));
+  }
 
  private:
   struct TEntry {
@@ -62,7 +70,7 @@ class TKeySnapshot {
   std::uint32_t FEntryCount = 0;
   std::uint32_t FNameUnits = 0;
   std::uint32_t FValueCount = 0;
-  bool FMayHaveSubKeys = true;
+  std::optional<std::uint32_t> FSubKeyCount;
   std::optional<TFileTime> FLastWriteTime;
 };
 

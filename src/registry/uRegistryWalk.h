@@ -21,18 +21,25 @@ void WalkIndices(std::optional<std::uint32_t> ACount, TStep AStep) {
   }
 }
 
-/// The names of a key's subkeys, in enumeration order; a name that cannot be read is left out.
-[[nodiscard]] inline std::vector<std::u16string> EnumKeyNames(IRegistry& ARegistry, const TRegistryKey& AKey) {
+/// The names of a key's subkeys, in enumeration order, of which there are ACount when that is known; a name that cannot
+/// be read is left out.
+[[nodiscard]] inline std::vector<std::u16string> EnumKeyNames(IRegistry& ARegistry, const TRegistryKey& AKey,
+                                                              std::optional<std::uint32_t> ACount) {
   std::vector<std::u16string> names;
-  TRegistryKeyInfo info;
-  const bool known = ARegistry.QueryKeyInfo(AKey, info) == WinError::Success;
   std::u16string name;
-  WalkIndices(known ? std::optional(info.SubKeyCount) : std::nullopt, [&](std::uint32_t AIndex) {
+  WalkIndices(ACount, [&](std::uint32_t AIndex) {
     const TWinError error = ARegistry.EnumKey(AKey, AIndex, name);
     if (error == WinError::Success) names.push_back(name);
     return error;
   });
   return names;
+}
+
+/// The same; the number is asked for first.
+[[nodiscard]] inline std::vector<std::u16string> EnumKeyNames(IRegistry& ARegistry, const TRegistryKey& AKey) {
+  TRegistryKeyInfo info;
+  const bool known = ARegistry.QueryKeyInfo(AKey, info) == WinError::Success;
+  return EnumKeyNames(ARegistry, AKey, known ? std::optional(info.SubKeyCount) : std::nullopt);
 }
 
 }  // namespace varcolin

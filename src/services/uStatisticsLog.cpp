@@ -9,6 +9,7 @@
 #include "platform/Files.h"
 #include "platform/Modules.h"
 #include "platform/SystemFacts.h"
+#include "registry/uKeyCache.h"
 #include "services/uDLLGlobals.h"
 #include "services/uLogText.h"
 #include "services/uRegistryDump.h"
@@ -123,8 +124,8 @@ void AddUserLines(TState& AState) {
   StatisticsLog::Add(u"Program version : %s", {DLLGlobals::VersionValue(ownPath, u"FileVersion")});
 }
 
-void AddRegistryLines(TState& AState) {
-  TRegistryDump dump(AState.Registry, [&AState](std::initializer_list<std::u16string_view> AParts) {
+void AddRegistryLines(TState& AState, TKeyCache& AKeys) {
+  TRegistryDump dump(AKeys, [&AState](std::initializer_list<std::u16string_view> AParts) {
     AddLine(AState, [AParts](TLogText& AText) {
       for (const std::u16string_view part : AParts) AText << part;
     });
@@ -137,23 +138,24 @@ void AddRegistryLines(TState& AState) {
 }
 
 /// Writes one part of the header, and an error block when it fails.
-void AddSection(TState& AState, void (*ASection)(TState&)) {
+template <class TSection>
+void AddSection(TSection ASection) {
   try {
-    ASection(AState);
+    ASection();
   } catch (const std::exception&) {
     StatisticsLog::AddError();
   }
   AddSeparator();
 }
 
-void AddHeader(TState& AState) {
+void AddHeader(TState& AState, TKeyCache& AKeys) {
   AddSeparator();
   const TSystemTime now = LocalTime(AState.System, AState.System.UniversalTime());
   StatisticsLog::Add(u"System info at %s.", {FormatDateAndTime(now, TimeSeparator(AState))});
   AddSeparator();
-  AddSection(AState, AddSystemLines);
-  AddSection(AState, AddUserLines);
-  AddSection(AState, AddRegistryLines);
+  AddSection([&] { AddSystemLines(AState); });
+  AddSection([&] { AddUserLines(AState); });
+  AddSection([&] { AddRegistryLines(AState, AKeys); });
 }
 
 /// Makes a folder, given with a trailing backslash, with all its missing parents.
@@ -186,6 +188,11 @@ void StatisticsLog::Load(IRegistry& ARegistry, IWritableFiles& AFiles, ISystemFa
 void StatisticsLog::Unload() noexcept { LoadedState.reset(); }
 
 void StatisticsLog::Reset() {
+  TKeyCache keys(State().Registry);
+  Reset(keys);
+}
+
+void StatisticsLog::Reset(TKeyCache& AKeys) {
   TState& state = State();
   const std::scoped_lock guard(state.Lock);
   const TComScope com(state.Com, ECom::Multithreaded);
@@ -193,7 +200,7 @@ void StatisticsLog::Reset() {
     state.Text.Clear();
     state.TimeSeparator.reset();
     state.Prefix.clear();
-    AddHeader(state);
+    AddHeader(state, AKeys);
   } catch (const std::exception&) {
     AddError();
   }

@@ -10,6 +10,7 @@
 namespace varcolin {
 
 class IRegistry;
+class TKeyCache;
 class IWritableFiles;
 class ISystemFacts;
 class IModules;
@@ -24,6 +25,8 @@ class StatisticsLog {
 
   /// Empties the list and writes the system header into it.
   static void Reset();
+  /// The same; the keys that the header shows are read through AKeys, which keeps them.
+  static void Reset(TKeyCache& AKeys);
   /// Appends one line.
   static void Add(std::u16string_view AText);
   static void Add(std::u16string_view AFormat, std::initializer_list<TFormatArg> AArgs);
