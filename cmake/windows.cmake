@@ -76,9 +76,13 @@ foreach(SOURCE ${SOURCES})
     list(REMOVE_ITEM SOURCES ${SOURCE})
   endif()
 endforeach()
+# what the tests start
+add_executable(test_program tests/programs/test_program.windows.cpp)
+target_link_options(test_program PRIVATE -municode -mwindows)
 # The resources are those of the module that asks for them: the tests bring their own copy.
 add_executable(windows_tests ${SOURCES} ${RESOURCES})
 target_include_directories(windows_tests PRIVATE tests)
+add_dependencies(windows_tests test_program)
 target_link_libraries(windows_tests PRIVATE library siblings decorators gtest gtest_main)
 
 # The product still loads on Windows XP.

@@ -12,6 +12,8 @@ class IModules;
 class IShell;
 class IIcons;
 class IProcesses;
+class IProcessStart;
+class ITopWindows;
 class IMessageBoxes;
 class ICom;
 
@@ -25,6 +27,8 @@ struct TMachine {
   IShell& Shell;
   IIcons& Icons;
   IProcesses& Processes;
+  IProcessStart& Starts;
+  ITopWindows& Windows;
   IMessageBoxes& Messages;
   ICom& Com;
 };

@@ -1,4 +1,4 @@
-// The running process and its user.
+// The running process and its user, and what can be known of other processes.
 #pragma once
 
 #include <string>
@@ -7,6 +7,15 @@
 #include "platform/Types.h"
 
 namespace varcolin {
+
+struct TProcessTag {};
+struct TProcessThreadTag {};
+class IProcesses;
+
+/// An open process. The process itself lives and dies without regard to it.
+using TProcess = THandle<IProcesses, TProcessTag>;
+/// The first thread of a process that was started.
+using TProcessThread = THandle<IProcesses, TProcessThreadTag>;
 
 /// One running process of a snapshot.
 struct TProcessEntry {
@@ -39,6 +48,26 @@ class IProcesses {
   /// Windows: OpenProcess (PROCESS_QUERY_INFORMATION | PROCESS_VM_READ), GetModuleFileNameExW; where that fails,
   /// QueryFullProcessImageNameW (PROCESS_QUERY_LIMITED_INFORMATION) if the system has it.
   [[nodiscard]] virtual TWinError GetProcessPath(std::uint32_t AId, std::u16string& APath) = 0;
+
+  /// Opens a process to read what it is: for queries and for reading its memory. InvalidParameter when there is no such
+  /// process (id 0 included), AccessDenied for one that this process may not look into.
+  /// Windows: OpenProcess (PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, 0x0410).
+  [[nodiscard]] virtual TWinError OpenToRead(std::uint32_t AId, TProcess& AProcess) = 0;
+  /// Full path of an open process's executable, as its module list tells. A 32-bit process cannot read that of a
+  /// 64-bit one. Windows: GetModuleFileNameExW.
+  [[nodiscard]] virtual TWinError GetModulePath(const TProcess& AProcess, std::u16string& APath) = 0;
+  /// Path of an open process's executable in device form ("\\Device\\HarddiskVolume1\\…").
+  /// Windows: GetProcessImageFileNameW.
+  [[nodiscard]] virtual TWinError GetImagePath(const TProcess& AProcess, std::u16string& APath) = 0;
+  /// Waits until the process has ended, for at most ATimeout milliseconds (0: only looks). Windows:
+  /// WaitForSingleObject.
+  [[nodiscard]] virtual EWaitResult WaitForEnd(const TProcess& AProcess, std::uint32_t ATimeout) = 0;
+  /// Exit code of an open process; 259 (STILL_ACTIVE) while it runs. Windows: GetExitCodeProcess.
+  [[nodiscard]] virtual TWinError GetExitCode(const TProcess& AProcess, std::uint32_t& ACode) = 0;
+
+  /// Give handles back; called by the handle classes. Windows: CloseHandle.
+  virtual void CloseValue(TProcessTag, std::uintptr_t AProcess) noexcept = 0;
+  virtual void CloseValue(TProcessThreadTag, std::uintptr_t AThread) noexcept = 0;
 
   /// Ends the process at once. It does not return on a real machine; the simulated one raises its own exception, which
   /// no code above the seam catches. Windows: ExitProcess.

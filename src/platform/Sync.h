@@ -17,12 +17,6 @@ using TEvent = THandle<ISync, TEventTag>;
 /// A named mutex that is kept to show other processes that it exists; it is never waited for.
 using TNamedMutex = THandle<ISync, TMutexTag>;
 
-/// Waits without an end.
-inline constexpr std::uint32_t WaitForever = 0xFFFFFFFF;
-
-/// How a wait ended.
-enum class EWaitResult { Signaled, TimedOut, Failed };
-
 class ISync {
  public:
   virtual ~ISync() = default;

@@ -41,10 +41,17 @@ inline constexpr TWinError InvalidFolderName = 267;
 inline constexpr TWinError BadRegistryPath = 161;
 inline constexpr TWinError KeyDeleted = 1018;
 inline constexpr TWinError PrivilegeNotHeld = 1314;
+inline constexpr TWinError InvalidWindowHandle = 1400;
 inline constexpr TWinError ResourceDataNotFound = 1812;
 inline constexpr TWinError ResourceTypeNotFound = 1813;
 inline constexpr TWinError ResourceNameNotFound = 1814;
 }  // namespace WinError
+
+/// Waits without an end.
+inline constexpr std::uint32_t WaitForever = 0xFFFFFFFF;
+
+/// How a wait ended.
+enum class EWaitResult { Signaled, TimedOut, Failed };
 
 /// 100-nanosecond steps since 1601-01-01, universal time unless a name says local (Windows: FILETIME).
 struct TFileTime {

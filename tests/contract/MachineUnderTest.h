@@ -2,6 +2,8 @@
 // care whether the machine is simulated or real.
 #pragma once
 
+#include <string>
+
 #include "platform/Machine.h"
 
 namespace varcolin::testing {
@@ -13,5 +15,9 @@ namespace varcolin::testing {
 [[nodiscard]] bool IsRealMachine();
 /// Whether it is Wine, which differs from Windows where a test says so.
 [[nodiscard]] bool IsWine();
+
+/// Full path of a program that can be started: "run MILLISECONDS [EXITCODE]" and "window TITLE MILLISECONDS" are calls
+/// of it. A simulated machine knows those calls that its list has.
+[[nodiscard]] std::u16string TestProgram();
 
 }  // namespace varcolin::testing

@@ -83,6 +83,41 @@ TEST(MachineFactsTest, ReadsEveryMember) {
   EXPECT_EQ(FormatDateAndTime(now, u":"), u"2003.04.05 06:07:08.000");
 }
 
+TEST(MachineFactsTest, ReadsPrograms) {
+  const TSimulatedFacts facts = Parse(R"({"programs": [
+    {"path": "C:\\T\\u.exe", "arguments": "/S", "runs": 400, "exitCode": 3, "changesAfter": 50,
+     "windows": [{"title": "Sure?", "after": 10, "closes": 90, "icon": true, "tool": true, "visible": false,
+                  "minimised": true}, {}],
+     "starts": [{"command": "C:\\Temp\\Au_.exe /S", "after": 300}],
+     "removesKeys": ["HKEY_CURRENT_USER\\Software\\T"], "createsKeys": ["HKEY_LOCAL_MACHINE\\Software\\L"],
+     "removesFiles": ["C:\\T"], "createsFiles": ["C:\\Temp\\left.log"]},
+    {"path": "C:\\T\\v.exe", "ends": false}, {"path": "C:\\T\\w.exe"}]})");
+  ASSERT_EQ(facts.Programs.size(), 3U);
+  const TSimulatedProgram& program = facts.Programs[0];
+  EXPECT_EQ(program.Path, u"C:\\T\\u.exe");
+  EXPECT_EQ(program.Arguments, u"/S");
+  EXPECT_EQ(program.Runs, 400U);
+  EXPECT_EQ(program.ExitCode, 3U);
+  EXPECT_EQ(program.ChangesAfter, 50U);
+  ASSERT_EQ(program.Windows.size(), 2U);
+  const TProgramWindow& window = program.Windows[0];
+  EXPECT_EQ(window.Window.Title, u"Sure?");
+  EXPECT_EQ(window.After, 10U);
+  EXPECT_EQ(window.Closes, 90U);
+  EXPECT_TRUE(window.Window.HasIcon && window.Window.IsMinimised && !window.Window.IsVisible);
+  EXPECT_EQ(window.Window.StyleEx, WindowStyleEx::ToolWindow);
+  EXPECT_TRUE(program.Windows[1].Window.IsVisible);
+  ASSERT_EQ(program.Starts.size(), 1U);
+  EXPECT_EQ(program.Starts[0].Command, u"C:\\Temp\\Au_.exe /S");
+  EXPECT_EQ(program.Starts[0].After, 300U);
+  EXPECT_EQ(program.RemovesKeys, std::vector<std::u16string>{u"HKEY_CURRENT_USER\\Software\\T"});
+  EXPECT_EQ(program.CreatesKeys, std::vector<std::u16string>{u"HKEY_LOCAL_MACHINE\\Software\\L"});
+  EXPECT_EQ(program.RemovesFiles, std::vector<std::u16string>{u"C:\\T"});
+  EXPECT_EQ(program.CreatesFiles, std::vector<std::u16string>{u"C:\\Temp\\left.log"});
+  EXPECT_EQ(facts.Programs[1].Runs, std::nullopt);
+  EXPECT_EQ(facts.Programs[2].Runs, 0U);
+}
+
 TEST(MachineFactsTest, HasDefaults) {
   const TSimulatedFacts facts = Parse("{}");
   EXPECT_EQ(facts.Version.Build, 7601U);
@@ -124,6 +159,17 @@ TEST(MachineFactsTest, NamesTheLineAtFault) {
       {"{\"now\":\"2012-02-30T00:00:00\"}", "machine.json:1: \"now\""},
       {"{\"now\":\"2012-02-03 00:00:00\"}", "machine.json:1: \"now\""},
       {"{\"now\":\"2012-02-03T24:00:00\"}", "machine.json:1: \"now\""},
+      {"{\"programs\":[\n{}]}", "machine.json:2: a program must have a \"path\""},
+      {"{\"programs\":[\n1]}", "machine.json:2: \"programs\" must hold objects"},
+      {"{\"programs\":[{\"path\":\n\"u.exe\"}]}", "machine.json:2: \"u.exe\" must be the full path"},
+      {"{\"programs\":[{\"path\":\"C:\\\\u.exe\",\n\"runs\":\"long\"}]}",
+       "machine.json:2: \"runs\" must be a whole number"},
+      {"{\"programs\":[{\"path\":\"C:\\\\u.exe\",\"removesKeys\":[\n\"HKLM\\\\X\"]}]}",
+       "machine.json:2: \"HKLM\\X\" must be a"},
+      {"{\"programs\":[{\"path\":\"C:\\\\u.exe\",\"createsFiles\":[\n\"x\"]}]}",
+       "machine.json:2: \"x\" must be the full path"},
+      {"{\"programs\":[{\"path\":\"C:\\\\u.exe\",\"starts\":[\n{}]}]}",
+       "machine.json:2: \"starts\" needs a \"command\""},
       {"{\n\"wow64\": true,\n}", "machine.json:3: the text is no JSON document from"},
       {"{} // comment", "machine.json:1: the text is no JSON document from"},
       {"{\"user\":{\"name\":\"\xFF\"}}", "machine.json:1: the text is no JSON document from"},

@@ -12,6 +12,13 @@ TMachine& MachineUnderTest() {
   return facilities;
 }
 
+std::u16string TestProgram() {
+  std::u16string path(32768, u'\0');
+  path.resize(GetModuleFileNameW(nullptr, AsWide(path.data()), static_cast<DWORD>(path.size())));
+  path.resize(path.rfind(u'\\') + 1);
+  return path + u"test_program.exe";
+}
+
 bool IsRealMachine() { return true; }
 
 bool IsWine() {

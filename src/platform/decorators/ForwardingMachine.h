@@ -4,13 +4,14 @@
 #include "platform/Machine.h"
 #include "platform/decorators/ForwardingFiles.h"
 #include "platform/decorators/ForwardingModules.h"
+#include "platform/decorators/ForwardingPrograms.h"
 #include "platform/decorators/ForwardingRegistry.h"
 #include "platform/decorators/ForwardingSystem.h"
 
 namespace varcolin {
 
-/// Puts a gate in front of a machine's registry, files, system facts, modules, shell, icons and processes. Waiting,
-/// message boxes and COM pass as they are. The inner machine and the gate outlive it.
+/// Puts a gate in front of a machine's registry, files, system facts, modules, shell, icons, processes, program
+/// starts and windows. Waiting, message boxes and COM pass as they are. The inner machine and the gate outlive it.
 class TForwardingMachine {
  public:
   TForwardingMachine(const TMachine& AInner, ICallGate& AGate)
@@ -21,10 +22,13 @@ class TForwardingMachine {
         FModules(AInner.Modules, AGate),
         FShell(AInner.Shell, AGate),
         FIcons(AInner.Icons, AGate),
-        FProcesses(AInner.Processes, AGate) {}
+        FProcesses(AInner.Processes, AGate),
+        FStarts(AInner.Starts, AGate),
+        FWindows(AInner.Windows, AGate) {}
 
   [[nodiscard]] TMachine Facilities() noexcept {
-    return {FInner.Sync, FRegistry, FFiles, FSystem, FModules, FShell, FIcons, FProcesses, FInner.Messages, FInner.Com};
+    return {FInner.Sync, FRegistry,  FFiles,  FSystem,  FModules,        FShell,
+            FIcons,      FProcesses, FStarts, FWindows, FInner.Messages, FInner.Com};
   }
 
  private:
@@ -36,6 +40,8 @@ class TForwardingMachine {
   TForwardingShell FShell;
   TForwardingIcons FIcons;
   TForwardingProcesses FProcesses;
+  TForwardingProcessStart FStarts;
+  TForwardingTopWindows FWindows;
 };
 
 }  // namespace varcolin

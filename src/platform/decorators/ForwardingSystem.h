@@ -94,6 +94,26 @@ class TForwardingProcesses : public TForwarding<IProcesses> {
   [[nodiscard]] TWinError GetProcessPath(std::uint32_t AId, std::u16string& APath) override {
     return Look("GetProcessPath", {}, [&] { return Inner().GetProcessPath(AId, APath); });
   }
+  [[nodiscard]] TWinError OpenToRead(std::uint32_t AId, TProcess& AProcess) override {
+    return Look("OpenToRead", {}, [&] { return Inner().OpenToRead(AId, AProcess); });
+  }
+  [[nodiscard]] TWinError GetModulePath(const TProcess& AProcess, std::u16string& APath) override {
+    return Look("GetModulePath", {}, [&] { return Inner().GetModulePath(AProcess, APath); });
+  }
+  [[nodiscard]] TWinError GetImagePath(const TProcess& AProcess, std::u16string& APath) override {
+    return Look("GetImagePath", {}, [&] { return Inner().GetImagePath(AProcess, APath); });
+  }
+  [[nodiscard]] EWaitResult WaitForEnd(const TProcess& AProcess, std::uint32_t ATimeout) override {
+    Show("WaitForEnd");
+    return Inner().WaitForEnd(AProcess, ATimeout);
+  }
+  [[nodiscard]] TWinError GetExitCode(const TProcess& AProcess, std::uint32_t& ACode) override {
+    return Look("GetExitCode", {}, [&] { return Inner().GetExitCode(AProcess, ACode); });
+  }
+  void CloseValue(TProcessTag ATag, std::uintptr_t AProcess) noexcept override { Inner().CloseValue(ATag, AProcess); }
+  void CloseValue(TProcessThreadTag ATag, std::uintptr_t AThread) noexcept override {
+    Inner().CloseValue(ATag, AThread);
+  }
   [[noreturn]] void EndOwnProcess(std::uint32_t AExitCode) override {
     Show("EndOwnProcess");
     Inner().EndOwnProcess(AExitCode);

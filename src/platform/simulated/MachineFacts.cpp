@@ -4,6 +4,7 @@
 #include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -149,6 +150,12 @@ class TTreeBuilder {
   std::string FKey;
 };
 
+bool IsFullPath(std::u16string_view AText) {
+  TResolvedPath path;
+  return AText.size() > 3 && AText[1] == u':' && AText[2] == u'\\' &&
+         ResolvePath(AText, u"C:\\", false, path) == WinError::Success && !path.Parts.empty();
+}
+
 // Typed access to the members of one object; a member that is not there leaves the target as it is.
 class TReader {
  public:
@@ -183,6 +190,36 @@ class TReader {
     const TNode* const node = Find(AName, EKind::String, u"a text");
     if (node != nullptr) AValue = FromUtf8(node->String);
     return node;
+  }
+  // A path below a drive's root.
+  void Path(const TNode& ANode, const std::u16string& AText) const {
+    if (!IsFullPath(AText)) Fail(ANode, u"\"" + AText + u"\" must be the full path of a file or folder");
+  }
+  // The members of an array; none when it is not there.
+  [[nodiscard]] const std::vector<std::pair<std::string, TNode>>& Array(std::string_view AName) const {
+    static const std::vector<std::pair<std::string, TNode>> none;
+    const TNode* const node = Find(AName, EKind::Array, u"an array");
+    return node != nullptr ? node->Members : none;
+  }
+  // Calls ATake(reader, element) for each object of an array.
+  template <class TTake>
+  void Objects(std::string_view AName, TTake ATake) const {
+    for (const auto& [name, node] : Array(AName)) {
+      if (node.Kind != EKind::Object) Fail(node, u"\"" + FromUtf8(AName) + u"\" must hold objects");
+      ATake(TReader(node, FFileName), node);
+    }
+  }
+  // Each text of an array, with its node.
+  template <class TTake>
+  void Texts(std::string_view AName, TTake ATake) const {
+    for (const auto& [name, node] : Array(AName)) {
+      if (node.Kind != EKind::String) Fail(node, u"\"" + FromUtf8(AName) + u"\" must hold texts");
+      ATake(FromUtf8(node.String), node);
+    }
+  }
+  // Milliseconds that may be missing.
+  void Time(std::string_view AName, std::optional<std::uint32_t>& ATime) const {
+    if (FObject.Find(AName) != nullptr) Number(AName, ATime.emplace());
   }
   [[nodiscard]] const TNode* Object(std::string_view AName) const { return Find(AName, EKind::Object, u"an object"); }
 
@@ -240,12 +277,6 @@ bool IsSid(std::u16string_view AText) {
                              [](char16_t AUnit) { return AUnit == u'-' || (AUnit >= u'0' && AUnit <= u'9'); });
 }
 
-bool IsFullPath(std::u16string_view AText) {
-  TResolvedPath path;
-  return AText.size() > 3 && AText[1] == u':' && AText[2] == u'\\' &&
-         ResolvePath(AText, u"C:\\", false, path) == WinError::Success && !path.Parts.empty();
-}
-
 void ReadWindows(const TReader& AReader, TSimulatedFacts& AFacts) {
   static constexpr std::pair<std::string_view, std::uint8_t> ProductTypes[] = {
       {"workstation", ProductType::Workstation},
@@ -293,6 +324,66 @@ void ReadEnvironment(const TNode& AObject, const TReader& AReader, TSimulatedFac
   }
 }
 
+bool IsKeyPath(std::u16string_view AText) {
+  const std::size_t end = AText.find(u'\\');
+  if (end == std::u16string_view::npos || end + 1 == AText.size()) return false;
+  const std::u16string_view root = AText.substr(0, end);
+  return root == u"HKEY_LOCAL_MACHINE" || root == u"HKEY_CURRENT_USER" || root == u"HKEY_CLASSES_ROOT" ||
+         root == u"HKEY_USERS";
+}
+
+TProgramWindow ReadProgramWindow(const TReader& AReader) {
+  TProgramWindow window;
+  TSimulatedWindow& shown = window.Window;
+  static_cast<void>(AReader.Text("title", shown.Title));
+  AReader.Number("after", window.After);
+  AReader.Time("closes", window.Closes);
+  AReader.Bool("icon", shown.HasIcon);
+  AReader.Bool("visible", shown.IsVisible);
+  AReader.Bool("minimised", shown.IsMinimised);
+  bool isTool = false;
+  AReader.Bool("tool", isTool);
+  if (isTool) shown.StyleEx |= WindowStyleEx::ToolWindow;
+  return window;
+}
+
+TSimulatedProgram ReadProgram(const TReader& AReader, const TNode& ANode) {
+  TSimulatedProgram program;
+  const TNode* const path = AReader.Text("path", program.Path);
+  if (path == nullptr) AReader.Fail(ANode, u"a program must have a \"path\"");
+  AReader.Path(*path, program.Path);
+  static_cast<void>(AReader.Text("arguments", program.Arguments));
+  AReader.Time("runs", program.Runs);
+  bool ends = true;
+  AReader.Bool("ends", ends);
+  if (!ends) program.Runs.reset();
+  AReader.Number("exitCode", program.ExitCode);
+  AReader.Time("changesAfter", program.ChangesAfter);
+  AReader.Objects("windows",
+                  [&](const TReader& AWindow, const TNode&) { program.Windows.push_back(ReadProgramWindow(AWindow)); });
+  AReader.Objects("starts", [&](const TReader& AChild, const TNode& AChildNode) {
+    TProgramChild child;
+    if (AChild.Text("command", child.Command) == nullptr) AChild.Fail(AChildNode, u"\"starts\" needs a \"command\"");
+    AChild.Number("after", child.After);
+    program.Starts.push_back(std::move(child));
+  });
+  for (const auto& [name, list] :
+       {std::pair{"removesKeys", &program.RemovesKeys}, {"createsKeys", &program.CreatesKeys}}) {
+    AReader.Texts(name, [&, keys = list](std::u16string AText, const TNode& AKey) {
+      if (!IsKeyPath(AText)) AReader.Fail(AKey, u"\"" + AText + u"\" must be a registry key (HKEY_LOCAL_MACHINE\\...)");
+      keys->push_back(std::move(AText));
+    });
+  }
+  for (const auto& [name, list] :
+       {std::pair{"removesFiles", &program.RemovesFiles}, {"createsFiles", &program.CreatesFiles}}) {
+    AReader.Texts(name, [&, paths = list](std::u16string AText, const TNode& AFile) {
+      AReader.Path(AFile, AText);
+      paths->push_back(std::move(AText));
+    });
+  }
+  return program;
+}
+
 }  // namespace
 
 TSimulatedFacts ParseFacts(std::span<const std::byte> AText, std::string_view AFileName) {
@@ -320,6 +411,9 @@ TSimulatedFacts ParseFacts(std::span<const std::byte> AText, std::string_view AF
     reader.Fail(*node, u"\"locale\" names no locale of Windows (as \"en-US\" does)");
   }
   if (const TNode* const environment = reader.Object("environment")) ReadEnvironment(*environment, reader, facts);
+  reader.Objects("programs", [&](const TReader& AProgram, const TNode& ANode) {
+    facts.Programs.push_back(ReadProgram(AProgram, ANode));
+  });
   std::u16string now;
   if (const TNode* const node = reader.Text("now", now); node && !TryTextToTime(now, facts.Now)) {
     reader.Fail(*node, u"\"now\" must be a time as 2012-08-09T10:11:12");

@@ -55,9 +55,39 @@ void TSimulatedClock::SetTickCount(std::uint32_t ATicks) {
 }
 
 void TSimulatedClock::Advance(std::uint32_t AMilliseconds) {
+  std::uint64_t target = 0;
+  {
+    const std::lock_guard lock(FMutex);
+    target = Elapsed() + AMilliseconds * StepsPerMillisecond;
+  }
+  RunEvents(target);
   const std::lock_guard lock(FMutex);
-  FElapsed += AMilliseconds * StepsPerMillisecond;
+  if (FMode == EClockMode::Running) FRunningSince = std::chrono::steady_clock::now();
+  FElapsed = std::max(FElapsed, target);
   ReleaseDue();
+}
+
+void TSimulatedClock::Plan(std::uint32_t ADelay, std::function<void()> AEvent) {
+  const std::lock_guard lock(FMutex);
+  FEvents.emplace(Elapsed() + ADelay * StepsPerMillisecond, std::move(AEvent));
+  FReleased.notify_all();  // who waits in running mode may have to wake earlier
+}
+
+void TSimulatedClock::RunEvents(std::uint64_t ATime) {
+  const std::lock_guard events(FEventMutex);
+  for (;;) {
+    std::function<void()> event;
+    {
+      const std::lock_guard lock(FMutex);
+      const auto next = FEvents.begin();
+      if (next == FEvents.end() || next->first > ATime) return;
+      if (FMode == EClockMode::Manual) FElapsed = std::max(FElapsed, next->first);
+      ReleaseDue();
+      event = std::move(next->second);
+      FEvents.erase(next);
+    }
+    event();
+  }
 }
 
 void TSimulatedClock::ReleaseDue() {
@@ -79,13 +109,18 @@ bool TSimulatedClock::Wait(const TClockSignal* ASignal, std::uint32_t ATimeout) 
   FWaiters.push_back(&waiter);
   FBlocked.notify_all();
   while (!waiter.Released) {
-    if (FMode == EClockMode::Manual || forever) {
+    if (FMode == EClockMode::Manual || (forever && FEvents.empty())) {
       FReleased.wait(lock);
       continue;
     }
     const std::uint64_t now = Elapsed();
-    if (now < waiter.Deadline) {
-      const std::uint64_t rest = std::min(waiter.Deadline - now, 3'600'000 * StepsPerMillisecond);
+    const std::uint64_t event = FEvents.empty() ? Never : FEvents.begin()->first;
+    if (event <= now) {
+      lock.unlock();
+      RunEvents(now);
+      lock.lock();
+    } else if (now < waiter.Deadline) {
+      const std::uint64_t rest = std::min(std::min(waiter.Deadline, event) - now, 3'600'000 * StepsPerMillisecond);
       FReleased.wait_for(lock, std::chrono::milliseconds(rest / StepsPerMillisecond + 1));
     }
     if (!waiter.Released) ReleaseDue();

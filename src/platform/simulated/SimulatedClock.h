@@ -5,6 +5,8 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -42,8 +44,14 @@ class TSimulatedClock {
   void SetTime(TFileTime ATime);
   /// Sets the tick count, to bring its overflow near; time and waits do not notice.
   void SetTickCount(std::uint32_t ATicks);
-  /// Lets time pass. Waits whose time has come end before this returns: they no longer count as blocked.
+  /// Lets time pass. Waits whose time has come end, and events whose time has come happen, before this returns; waits
+  /// that have ended no longer count as blocked.
   void Advance(std::uint32_t AMilliseconds);
+
+  /// Lets AEvent happen when ADelay milliseconds have passed; events happen one after the other, in the order of their
+  /// times. In running mode they happen in a thread that waits, so they are late while none does. An event may plan
+  /// further events but not wait, and it may call everything that calls the clock.
+  void Plan(std::uint32_t ADelay, std::function<void()> AEvent);
 
   /// Waits for ASignal (none: just for time to pass) for at most ATimeout milliseconds; 0 only looks, `WaitForever`
   /// sets no limit. Whether the signal came. The signal must outlive the call.
@@ -80,6 +88,10 @@ class TSimulatedClock {
   [[nodiscard]] std::uint64_t Elapsed() const;
   void ReleaseDue();
 
+  // lets the events happen whose time is not after ATime; the lock must not be held
+  void RunEvents(std::uint64_t ATime);
+
+  std::mutex FEventMutex;  // held while events happen; taken before FMutex
   std::mutex FMutex;
   std::condition_variable FReleased;  // some waits have ended
   std::condition_variable FBlocked;   // a wait has begun
@@ -89,6 +101,7 @@ class TSimulatedClock {
   std::uint64_t FTimeOffset;                            // universal time = offset + elapsed
   std::uint64_t FTickOffset;                            // ticks * 10,000 = offset + elapsed
   std::vector<TWaiter*> FWaiters;
+  std::multimap<std::uint64_t, std::function<void()>> FEvents;  // by time
 };
 
 }  // namespace varcolin

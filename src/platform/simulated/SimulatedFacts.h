@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "platform/SystemFacts.h"
 #include "platform/Types.h"
+#include "platform/simulated/SimulatedPrograms.h"
 #include "support/uText.h"
 
 namespace varcolin {
@@ -43,6 +45,8 @@ struct TSimulatedFacts {
   TEnvironment Environment;
   /// Numbers that GetSystemMetrics tells, over the simulator's own.
   std::map<std::int32_t, std::int32_t> Metrics;
+  /// What programs do that are started on the machine.
+  std::vector<TSimulatedProgram> Programs;
 
   [[nodiscard]] bool Is64Bit() const noexcept { return NativeArchitecture != Architecture::Intel; }
   /// Windows Vista or later.

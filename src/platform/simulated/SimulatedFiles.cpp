@@ -83,13 +83,17 @@ TSimulatedFiles::TSimulatedFiles(TSimulatedClock& AClock, const TSimulatedFacts&
 }
 
 TSimulatedFiles::~TSimulatedFiles() {
-  // level by level: folders may lie deeper in one another than a recursion could follow
-  std::vector<std::unique_ptr<TNode>> nodes;
-  for (auto& [letter, root] : FDrives) nodes.push_back(std::move(root));
-  while (!nodes.empty()) {
-    const std::unique_ptr<TNode> node = std::move(nodes.back());
-    nodes.pop_back();
-    for (auto& [name, child] : node->Children) nodes.push_back(std::move(child));
+  std::vector<std::unique_ptr<TNode>> roots;
+  for (auto& [letter, root] : FDrives) roots.push_back(std::move(root));
+  Destroy(std::move(roots));
+}
+
+// Level by level: folders may lie deeper in one another than a recursion could follow.
+void TSimulatedFiles::Destroy(std::vector<std::unique_ptr<TNode>> ANodes) {
+  while (!ANodes.empty()) {
+    const std::unique_ptr<TNode> node = std::move(ANodes.back());
+    ANodes.pop_back();
+    for (auto& [name, child] : node->Children) ANodes.push_back(std::move(child));
   }
 }
 
@@ -219,6 +223,14 @@ TWinError TSimulatedFiles::FindContent(std::u16string_view APath, TNode*& ANode)
   if (found.Node->IsInUse) return WinError::SharingViolation;
   ANode = found.Node;
   return WinError::Success;
+}
+
+TWinError TSimulatedFiles::FindRealPath(std::u16string_view APath, std::u16string& ARealPath) {
+  const std::lock_guard lock(FMutex);
+  TFound found;
+  const TWinError error = Locate(APath, true, found);
+  if (error == WinError::Success) ARealPath = found.Path.Text();
+  return error;
 }
 
 TWinError TSimulatedFiles::LoadBytes(std::u16string_view APath, TFileBytes& ABytes) {
@@ -514,6 +526,18 @@ void TSimulatedFiles::SetCurrentFolder(std::u16string_view APath) {
     throw std::invalid_argument("no folder: " + ToUtf8(APath));
   }
   FCurrentFolder = path.Text();
+}
+
+void TSimulatedFiles::DropTree(std::u16string_view APath) {
+  const std::lock_guard lock(FMutex);
+  TResolvedPath path;
+  TFound found;
+  if (ResolvePath(APath, u"C:\\", false, path) != WinError::Success) return;
+  if (Find(path, false, found) != WinError::Success || found.Parent == nullptr) return;
+  auto node = found.Parent->Children.extract(found.Path.Parts.back());
+  std::vector<std::unique_ptr<TNode>> nodes;
+  nodes.push_back(std::move(node.mapped()));
+  Destroy(std::move(nodes));
 }
 
 bool TSimulatedFiles::Contains(std::u16string_view APath) {

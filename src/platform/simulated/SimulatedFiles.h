@@ -67,12 +67,17 @@ class TSimulatedFiles final : public IWritableFiles {
   /// The content of a file for the facilities that look into it; the same errors as ReadWhole.
   [[nodiscard]] TWinError LoadBytes(std::u16string_view APath, TFileBytes& ABytes);
 
+  /// The path on the drive itself of what this process sees at APath: redirection and links are followed.
+  [[nodiscard]] TWinError FindRealPath(std::u16string_view APath, std::u16string& ARealPath);
+
   // What prepares a machine. These paths are the drive's own: no redirection applies, drives and missing folders are
   // made, an existing file is replaced, nothing is logged. std::invalid_argument for what cannot be a path.
 
   void AddFolder(std::u16string_view APath);
   void AddFile(std::u16string_view APath, std::vector<std::byte> AData);
   void AddFile(std::u16string_view APath, std::string_view AText);
+  /// Removes a file, or a folder with everything below it; what is not there is passed over.
+  void DropTree(std::u16string_view APath);
   /// Content from the computer's disk, read when it is asked for. ASize: its size in bytes.
   void AddHostFile(std::u16string_view APath, std::filesystem::path AHostPath, std::uint64_t ASize);
   /// Content that lives as long as the program.
@@ -112,6 +117,7 @@ class TSimulatedFiles final : public IWritableFiles {
   TNode& Existing(std::u16string_view APath);
   TNode& AddNode(TNode& AParent, std::u16string_view AName, std::uint32_t AAttributes);
   void Log(EFileChange AKind, const TFound& AFound);
+  static void Destroy(std::vector<std::unique_ptr<TNode>> ANodes);
 
   TSimulatedClock& FClock;
   const bool FIsRedirected;

@@ -43,6 +43,8 @@ class TSimulatedIcons final : public IIcons {
 
   /// Gives the library an icon resource. AIconFile: the bytes of an icon file (.ico).
   void RegisterOwnIcon(std::u16string_view AName, std::span<const std::byte> AIconFile);
+  /// A new icon.
+  [[nodiscard]] TIcon MakeIcon(TSimulatedIcon AIcon);
   /// The images of a list by its handle value; empty for a value that is no list.
   [[nodiscard]] std::vector<TSimulatedIcon> ImagesOf(std::uintptr_t AList);
   [[nodiscard]] std::size_t OpenHandleCount();
@@ -53,8 +55,6 @@ class TSimulatedIcons final : public IIcons {
     std::uint32_t Height;
     std::vector<TSimulatedIcon> Images;
   };
-
-  [[nodiscard]] TIcon MakeIcon(TSimulatedIcon AIcon);
 
   TSimulatedFiles& FFiles;
   std::mutex FMutex;

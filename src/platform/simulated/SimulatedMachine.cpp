@@ -14,17 +14,20 @@ TSimulatedMachine::TSimulatedMachine(const TSimulatedFacts& AFacts)
       FModules(FFiles, FFacts),
       FShell(FFacts),
       FIcons(FFiles),
-      FProcesses(FFacts) {
+      FProcesses(FClock, FFacts),
+      FWindows(FIcons),
+      FStarts({FClock, FFiles, FModules, FProcesses, FRegistry, FWindows}) {
   AddStandardFolders();
+  for (const TSimulatedProgram& program : FFacts.Programs) FStarts.Describe(program);
 }
 
 TMachine TSimulatedMachine::Facilities() noexcept {
-  return {FSync, FRegistry, FFiles, FSystem, FModules, FShell, FIcons, FProcesses, FMessages, FCom};
+  return {FSync, FRegistry, FFiles, FSystem, FModules, FShell, FIcons, FProcesses, FStarts, FWindows, FMessages, FCom};
 }
 
 std::size_t TSimulatedMachine::OpenHandleCount() {
   return FSync.OpenHandleCount() + FRegistry.OpenHandleCount() + FFiles.OpenHandleCount() + FModules.OpenHandleCount() +
-         FIcons.OpenHandleCount() + FCom.OpenHandleCount();
+         FIcons.OpenHandleCount() + FProcesses.OpenHandleCount() + FStarts.OpenHandleCount() + FCom.OpenHandleCount();
 }
 
 void TSimulatedMachine::SetHostPath(std::u16string_view APath) {

@@ -11,11 +11,13 @@
 #include "platform/simulated/SimulatedIcons.h"
 #include "platform/simulated/SimulatedMessages.h"
 #include "platform/simulated/SimulatedModules.h"
+#include "platform/simulated/SimulatedProcessStart.h"
 #include "platform/simulated/SimulatedProcesses.h"
 #include "platform/simulated/SimulatedRegistry.h"
 #include "platform/simulated/SimulatedShell.h"
 #include "platform/simulated/SimulatedSync.h"
 #include "platform/simulated/SimulatedSystem.h"
+#include "platform/simulated/SimulatedTopWindows.h"
 
 namespace varcolin {
 
@@ -40,6 +42,8 @@ class TSimulatedMachine {
   [[nodiscard]] TSimulatedShell& Shell() noexcept { return FShell; }
   [[nodiscard]] TSimulatedIcons& Icons() noexcept { return FIcons; }
   [[nodiscard]] TSimulatedProcesses& Processes() noexcept { return FProcesses; }
+  [[nodiscard]] TSimulatedTopWindows& Windows() noexcept { return FWindows; }
+  [[nodiscard]] TSimulatedProcessStart& Starts() noexcept { return FStarts; }
   [[nodiscard]] TSimulatedMessages& Messages() noexcept { return FMessages; }
   [[nodiscard]] TSimulatedCom& Com() noexcept { return FCom; }
 
@@ -61,6 +65,8 @@ class TSimulatedMachine {
   TSimulatedShell FShell;
   TSimulatedIcons FIcons;
   TSimulatedProcesses FProcesses;
+  TSimulatedTopWindows FWindows;
+  TSimulatedProcessStart FStarts;
   TSimulatedMessages FMessages;
   TSimulatedCom FCom;
 };

@@ -54,7 +54,7 @@ TSimulatedModules::TSimulatedModules(TSimulatedFiles& AFiles, const TSimulatedFa
 
 std::u16string_view TSimulatedModules::HostFolder() const noexcept { return ExtractFilePath(FHostPath); }
 
-std::u16string TSimulatedModules::SearchFile(std::u16string_view AName) {
+std::u16string TSimulatedModules::FindFile(std::u16string_view AName) {
   const auto isFile = [&](const std::u16string& APath) {
     TFileFacts facts;
     return FFiles.GetFacts(APath, facts) == WinError::Success && !facts.IsFolder();
@@ -81,7 +81,7 @@ TWinError TSimulatedModules::FindModule(std::u16string_view AName, TLoaded& AMod
     }
   }
   const bool isSystem = IsSystemModule(file) && (folder.empty() || SameText(folder, FSearchFolders.front()));
-  const std::u16string path = SearchFile(name);
+  const std::u16string path = FindFile(name);
   if (path.empty()) {
     if (!isSystem) return WinError::ModuleNotFound;
     AModule = {std::u16string(file), nullptr, {}};
@@ -127,7 +127,7 @@ TWinError TSimulatedModules::LoadAsResource(std::u16string_view APath, TModule& 
   {
     const std::lock_guard lock(FMutex);
     if (APath.empty()) return WinError::InvalidParameter;
-    const std::u16string path = SearchFile(WithExtension(APath));
+    const std::u16string path = FindFile(WithExtension(APath));
     if (path.empty()) return WinError::FileNotFound;
     TLoaded loaded;
     const TWinError error = FFiles.LoadBytes(path, loaded.Resources);
@@ -216,6 +216,11 @@ void TSimulatedModules::SetHostPath(std::u16string_view APath) {
 std::size_t TSimulatedModules::OpenHandleCount() {
   const std::lock_guard lock(FMutex);
   return FLoaded.Count();
+}
+
+std::u16string TSimulatedModules::SearchFile(std::u16string_view AName) {
+  const std::lock_guard lock(FMutex);
+  return FindFile(AName);
 }
 
 }  // namespace varcolin

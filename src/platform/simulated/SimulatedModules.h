@@ -39,6 +39,9 @@ class TSimulatedModules final : public IModules {
   [[nodiscard]] std::size_t LoadCount(std::u16string_view AName);
   /// The host's executable, a full path; the library lies in the same folder.
   void SetHostPath(std::u16string_view APath);
+  /// The file that a name stands for when the system searches for it: beside the host, in the system's folders and
+  /// along the path. A name with a folder is not searched for. Empty when there is no such file.
+  [[nodiscard]] std::u16string SearchFile(std::u16string_view AName);
   /// Libraries and resource files that are loaded.
   [[nodiscard]] std::size_t OpenHandleCount();
 
@@ -51,7 +54,7 @@ class TSimulatedModules final : public IModules {
 
   // these need the lock
   [[nodiscard]] std::u16string_view HostFolder() const noexcept;
-  [[nodiscard]] std::u16string SearchFile(std::u16string_view AName);
+  [[nodiscard]] std::u16string FindFile(std::u16string_view AName);
   [[nodiscard]] TWinError FindModule(std::u16string_view AName, TLoaded& AModule);
 
   TSimulatedFiles& FFiles;

@@ -1,4 +1,4 @@
-// Ownership of kernel handles inside the Windows implementation.
+// Kernel handles: their values and ownership inside the Windows implementation.
 #pragma once
 
 #include <memory>
@@ -6,6 +6,24 @@
 #include "platform/windows/WindowsApi.h"
 
 namespace varcolin {
+
+/// Kernel handles as the seam's handle classes keep them.
+[[nodiscard]] inline HANDLE ToHandle(std::uintptr_t AValue) noexcept { return reinterpret_cast<HANDLE>(AValue); }
+[[nodiscard]] inline std::uintptr_t ToValue(HANDLE AHandle) noexcept {
+  return reinterpret_cast<std::uintptr_t>(AHandle);
+}
+
+/// Waits for one handle; ATimeout in milliseconds.
+[[nodiscard]] inline EWaitResult WaitForHandle(HANDLE AHandle, std::uint32_t ATimeout) noexcept {
+  switch (WaitForSingleObject(AHandle, ATimeout)) {
+    case WAIT_OBJECT_0:
+      return EWaitResult::Signaled;
+    case WAIT_TIMEOUT:
+      return EWaitResult::TimedOut;
+    default:
+      return EWaitResult::Failed;
+  }
+}
 
 struct TCloseHandle {
   void operator()(HANDLE AHandle) const noexcept {

@@ -5,11 +5,13 @@
 #include "platform/windows/WindowsIcons.h"
 #include "platform/windows/WindowsMessageBoxes.h"
 #include "platform/windows/WindowsModules.h"
+#include "platform/windows/WindowsProcessStart.h"
 #include "platform/windows/WindowsProcesses.h"
 #include "platform/windows/WindowsRegistry.h"
 #include "platform/windows/WindowsShell.h"
 #include "platform/windows/WindowsSync.h"
 #include "platform/windows/WindowsSystemFacts.h"
+#include "platform/windows/WindowsTopWindows.h"
 
 namespace varcolin {
 
@@ -22,6 +24,8 @@ struct TWindowsMachine::TParts {
   TWindowsShell Shell;
   TWindowsIcons Icons;
   TWindowsProcesses Processes;
+  TWindowsProcessStart Starts{Processes};
+  TWindowsTopWindows Windows{Icons};
   TWindowsMessageBoxes Messages;
   TWindowsCom Com;
 };
@@ -32,8 +36,8 @@ TWindowsMachine::~TWindowsMachine() = default;
 
 TMachine TWindowsMachine::Facilities() noexcept {
   TParts& parts = *FParts;
-  return {parts.Sync,  parts.Registry, parts.Files,     parts.System,   parts.Modules,
-          parts.Shell, parts.Icons,    parts.Processes, parts.Messages, parts.Com};
+  return {parts.Sync,  parts.Registry,  parts.Files,  parts.System,  parts.Modules,  parts.Shell,
+          parts.Icons, parts.Processes, parts.Starts, parts.Windows, parts.Messages, parts.Com};
 }
 
 }  // namespace varcolin

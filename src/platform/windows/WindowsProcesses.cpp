@@ -38,6 +38,18 @@ constexpr DWORD LongestPath = 32768;
   return APath;
 }
 
+/// Reads a path with a call that fills a buffer of LongestPath units and returns the length, 0 on failure.
+template <class TFill>
+[[nodiscard]] TWinError ReadPath(TFill AFill, std::u16string& APath) {
+  std::u16string path(LongestPath, u'\0');
+  SetLastError(ERROR_SUCCESS);
+  const DWORD length = AFill(AsWide(path.data()));
+  if (length == 0) return LastFailure();
+  path.resize(length);
+  APath = std::move(path);
+  return WinError::Success;
+}
+
 }  // namespace
 
 TWinError TWindowsProcesses::GetUserSid(std::u16string& ASid) {
@@ -114,23 +126,50 @@ TWinError TWindowsProcesses::EnumProcesses(std::vector<TProcessEntry>& AEntries)
   return WinError::Success;
 }
 
-TWinError TWindowsProcesses::ReadProcessPath(std::uint32_t AId, std::u16string& APath) {
+TWinError TWindowsProcesses::OpenToRead(std::uint32_t AId, TProcess& AProcess) {
+  const HANDLE process = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, AId);
+  if (process == nullptr) return LastFailure();
+  AProcess = TProcess(*this, ToValue(process));
+  return WinError::Success;
+}
+
+TWinError TWindowsProcesses::GetModulePath(const TProcess& AProcess, std::u16string& APath) {
   auto* const getModuleFileName = FGetModuleFileName.Get();
   if (getModuleFileName == nullptr) return WinError::ProcedureNotFound;
-  const TOwnedHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, AId));
-  if (process == nullptr) return LastFailure();
-  std::u16string path(LongestPath, u'\0');
-  SetLastError(ERROR_SUCCESS);
-  const DWORD length = getModuleFileName(process.get(), nullptr, AsWide(path.data()), LongestPath);
-  if (length == 0) return LastFailure();
-  path.resize(length);
-  APath = std::move(path);
+  return ReadPath(
+      [&](wchar_t* ABuffer) { return getModuleFileName(ToHandle(AProcess.Value()), nullptr, ABuffer, LongestPath); },
+      APath);
+}
+
+TWinError TWindowsProcesses::GetImagePath(const TProcess& AProcess, std::u16string& APath) {
+  auto* const getImageFileName = FGetImageFileName.Get();
+  if (getImageFileName == nullptr) return WinError::ProcedureNotFound;
+  return ReadPath([&](wchar_t* ABuffer) { return getImageFileName(ToHandle(AProcess.Value()), ABuffer, LongestPath); },
+                  APath);
+}
+
+EWaitResult TWindowsProcesses::WaitForEnd(const TProcess& AProcess, std::uint32_t ATimeout) {
+  return WaitForHandle(ToHandle(AProcess.Value()), ATimeout);
+}
+
+TWinError TWindowsProcesses::GetExitCode(const TProcess& AProcess, std::uint32_t& ACode) {
+  DWORD code = 0;
+  if (!GetExitCodeProcess(ToHandle(AProcess.Value()), &code)) return LastFailure();
+  ACode = code;
   return WinError::Success;
+}
+
+void TWindowsProcesses::CloseValue(TProcessTag, std::uintptr_t AProcess) noexcept { CloseHandle(ToHandle(AProcess)); }
+
+void TWindowsProcesses::CloseValue(TProcessThreadTag, std::uintptr_t AThread) noexcept {
+  CloseHandle(ToHandle(AThread));
 }
 
 TWinError TWindowsProcesses::GetProcessPath(std::uint32_t AId, std::u16string& APath) {
   std::u16string path;
-  const TWinError error = ReadProcessPath(AId, path);
+  TProcess opened;
+  TWinError error = OpenToRead(AId, opened);
+  if (error == WinError::Success) error = GetModulePath(opened, path);
   if (error == WinError::Success) {
     APath = UsualForm(std::move(path));
     return WinError::Success;

@@ -1,15 +1,8 @@
 #include "platform/windows/WindowsSync.h"
 
-#include "platform/windows/WindowsApi.h"
+#include "platform/windows/OwnedHandle.h"
 
 namespace varcolin {
-
-namespace {
-
-[[nodiscard]] HANDLE ToHandle(std::uintptr_t AValue) noexcept { return reinterpret_cast<HANDLE>(AValue); }
-[[nodiscard]] std::uintptr_t ToValue(HANDLE AHandle) noexcept { return reinterpret_cast<std::uintptr_t>(AHandle); }
-
-}  // namespace
 
 TWinError TWindowsSync::MakeEvent(bool ASignaled, TEvent& AEvent) {
   const HANDLE handle = CreateEventW(nullptr, TRUE, ASignaled ? TRUE : FALSE, nullptr);
@@ -23,14 +16,7 @@ void TWindowsSync::SignalEvent(const TEvent& AEvent) noexcept { SetEvent(ToHandl
 void TWindowsSync::ResetSignal(const TEvent& AEvent) noexcept { ResetEvent(ToHandle(AEvent.Value())); }
 
 EWaitResult TWindowsSync::WaitForEvent(const TEvent& AEvent, std::uint32_t ATimeout) {
-  switch (WaitForSingleObject(ToHandle(AEvent.Value()), ATimeout)) {
-    case WAIT_OBJECT_0:
-      return EWaitResult::Signaled;
-    case WAIT_TIMEOUT:
-      return EWaitResult::TimedOut;
-    default:
-      return EWaitResult::Failed;
-  }
+  return WaitForHandle(ToHandle(AEvent.Value()), ATimeout);
 }
 
 void TWindowsSync::SleepFor(std::uint32_t ATime) { Sleep(ATime); }
