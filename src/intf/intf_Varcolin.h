@@ -29,6 +29,9 @@ enum class TPossibleActions : std::uint8_t {
   paRemoveFromRegistry = 5,  ///< takes the entry off the list; runs no command
 };
 
+/// No action. RunAction with it starts nothing and only tells whether an action runs.
+inline constexpr TPossibleActions NoAction{0xFF};
+
 /// A set of TPossibleActions in one byte: bit n stands for the value n.
 using TPossibleActionsSet = std::uint8_t;
 
@@ -100,8 +103,11 @@ struct IProduct : IInterface {
   virtual TPossibleActionsSet VARCOLIN_CALL GetPossibleActions() = 0;
   /// Whether the details have been read since the last call of this operation.
   virtual bool VARCOLIN_CALL IsChanged() = 0;
-  /// Starts *AAction on a thread of its own and returns true. When an action of this product is running already,
-  /// returns false with *AAction set to the running one and *AWndHandle to its top window (0 when it has none).
+  /// Starts *AAction on a thread of its own and returns true; *AWndHandle is then 0. When an action of this product is
+  /// running already, returns false with *AAction set to the running one and *AWndHandle to its top window (0 when it
+  /// has none). An action counts as running until its process has ended, and the copy of itself that an uninstaller
+  /// left in its place. A program's entry that is taken off the list starts nothing, nor does a number that is no
+  /// action. What cannot be started is shown to the user and logged.
   virtual bool VARCOLIN_CALL RunAction(TPossibleActions* AAction, TNativeUInt* AWndHandle) = 0;
   /// Writes a new force-remove engine for this product, with a reference of the caller's own.
   virtual void VARCOLIN_CALL CreateForceRemove(IForceRemove** AResult) = 0;

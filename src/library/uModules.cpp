@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "library/uVarcolin.h"
+#include "library/uWindowsFeatures.h"
 #include "locations/uLocationExeInfo.h"
 #include "locations/uLocationRegistryUninstall.h"
 #include "locations/uLocationUninstall.h"
@@ -13,15 +14,19 @@
 #include "platform/Icons.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Modules.h"
+#include "platform/ProcessStart.h"
 #include "platform/Processes.h"
 #include "platform/Registry.h"
 #include "platform/Shell.h"
 #include "platform/Sync.h"
 #include "platform/SystemFacts.h"
+#include "platform/TopWindows.h"
+#include "products/uExecuteActionThread.h"
 #include "products/uItemProductIntf.h"
 #include "products/uItemProgram.h"
 #include "products/uItemUpdate.h"
 #include "products/uThreadExceptionHandler.h"
+#include "products/uWindowTop.h"
 #include "services/uAxDebug.h"
 #include "services/uDLLGlobals.h"
 #include "services/uDLLStringsLocalized.h"
@@ -59,7 +64,8 @@ void UnloadLocations() noexcept {
 /// Each row may use the rows above it.
 constexpr TModuleRow ModuleTable[] = {
     {[](const TMachine& M) { WinVersionInfo::Load(M.System, M.Shell, M.Modules); }, &WinVersionInfo::Unload},
-    {[](const TMachine& M) { WindowsExt::Load(M.Processes, M.System, M.Sync); }, &WindowsExt::Unload},
+    {[](const TMachine& M) { WindowsExt::Load(M.Processes, M.Starts, M.Windows, M.System, M.Sync); },
+     &WindowsExt::Unload},
     {[](const TMachine&) { DLLStringsLocalized::Load(); }, &DLLStringsLocalized::Unload},
     {[](const TMachine& M) { SiblingLoader::Load(M.Modules, M.Messages, M.Processes); }, &SiblingLoader::Unload},
     {[](const TMachine& M) { DLLGlobals::Load(M.System, M.Modules); }, &DLLGlobals::Unload},
@@ -69,11 +75,15 @@ constexpr TModuleRow ModuleTable[] = {
     {[](const TMachine& M) { StatisticsLog::Load(M.Registry, M.Files, M.System, M.Modules, M.Com); },
      &StatisticsLog::Unload},
     {[](const TMachine& M) { TThreadExceptionHandler::Load(M.Messages); }, &TThreadExceptionHandler::Unload},
+    {[](const TMachine& M) { TWindowTopCollection::Load(M.Windows, M.Processes, M.Icons); },
+     &TWindowTopCollection::Unload},
+    {[](const TMachine& M) { TExecuteActionThread::Load(M.Sync, M.Processes, M.Com); }, &TExecuteActionThread::Unload},
     {[](const TMachine& M) { TItemProduct::Load(M.System); }, &TItemProduct::Unload},
     {[](const TMachine& M) { TItemProgram::Load(M.Registry, M.Files, M.Icons); }, &TItemProgram::Unload},
     {[](const TMachine& M) { TItemUpdate::Load(M.Icons); }, &TItemUpdate::Unload},
     {[](const TMachine& M) { TItemProductIntf::Load(M.Modules); }, &TItemProductIntf::Unload},
     {&LoadLocations, &UnloadLocations},
+    {[](const TMachine& M) { WindowsFeatures::Load(M.Sync, M.Starts); }, &WindowsFeatures::Unload},
     {[](const TMachine&) { TVarcolin::Load(); }, &TVarcolin::Unload},
 };
 

@@ -1,9 +1,14 @@
 #include "library/uVarcolin.h"
 
+#include <mutex>
+
 #include "intf/intf_Quillet.h"
+#include "library/uWindowsFeatures.h"
 #include "locations/uLocationUninstall.h"
 #include "products/uInterfaceGuard.h"
 #include "products/uItemProductCollection.h"
+#include "products/uItemProgram.h"
+#include "products/uItemUpdate.h"
 #include "services/uDLLStringsLocalized.h"
 #include "services/uLibraryList.h"
 
@@ -26,6 +31,15 @@ void MakeCollection(IProductCollection** AResult) noexcept {
   if (AResult == nullptr) return;
   *AResult = nullptr;
   GuardInterface([&] { *AResult = MakeObject<TCollection, IProductCollection>().Detach(); });
+}
+
+/// Stops every action of a list while the list is locked, so that none is added meanwhile.
+template <class TItem>
+void StopActions(TProductList<TItem>& AList) {
+  const std::lock_guard lock(AList.Mutex());
+  const auto items = AList.Snapshot();
+  for (const auto& item : items) item->TerminateAction();  // all first, so that their ends are waited for together
+  for (const auto& item : items) item->StopActionThread();
 }
 
 }  // namespace
@@ -59,7 +73,7 @@ void VARCOLIN_CALL TVarcolin::SetHostEvent(const TEventHandler* AHandler) {
 }
 
 void VARCOLIN_CALL TVarcolin::ShowWindowsFeatures() {
-  // opening the dialog needs the process and window facilities, which this version does not have
+  GuardInterface([] { WindowsFeatures::Show(); });
 }
 
 void VARCOLIN_CALL TVarcolin::Refresh() {
@@ -71,6 +85,8 @@ void VARCOLIN_CALL TVarcolin::RefreshARPCache() {
 }
 
 void VARCOLIN_CALL TVarcolin::Stop() {
+  GuardInterface([] { StopActions(TItemProgram::List()); });
+  GuardInterface([] { StopActions(TItemUpdate::List()); });
   GuardInterface([] { TLocationUninstall::Cancel(); });
   GuardInterface([] { SiblingLoader::SendCommand(u"QuilletHelper", QuilletFinalizeCommand); });
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "platform/SystemFacts.h"
+#include "products/uExecuteActionThread.h"
 #include "services/uDLLGlobals.h"
 #include "services/uFileUtils.h"
 #include "services/uStatisticsLog.h"
@@ -280,12 +281,49 @@ std::u16string TItemProduct::GetActionCommand(TPossibleActions AAction) const {
   return {};
 }
 
+TItemProduct::~TItemProduct() { StopActionThread(); }
+
 bool TItemProduct::RunAction(TPossibleActions& AAction, TNativeUInt& AWndHandle) {
+  const std::lock_guard lock(FActionThreadCS);
   AWndHandle = 0;
-  if (AAction != TPossibleActions::paRemoveFromRegistry) {
-    throw Exception(u"Running an action of a product is not available in this version.");
+  if (FActionThread) {
+    AAction = FActionThread->Action();
+    try {
+      AWndHandle = FActionThread->GetWindowTop();
+    } catch (const std::exception&) {
+      StatisticsLog::AddError();  // without its window the action runs all the same
+    }
+    return false;
+  }
+  if (AAction < TPossibleActions::paRemoveFromRegistry) {
+    FEndedThread.reset();
+    FActionThread = std::make_unique<TExecuteActionThread>(*this, AAction);
+    try {
+      FActionThread->Start();
+    } catch (...) {
+      FActionThread.reset();
+      throw;
+    }
   }
   return true;
+}
+
+void TItemProduct::TerminateAction() {
+  const std::lock_guard lock(FActionThreadCS);
+  if (FActionThread) FActionThread->Terminate();
+}
+
+void TItemProduct::StopActionThread() {
+  std::unique_lock lock(FActionThreadCS);
+  if (FActionThread) FActionThread->Terminate();
+  FActionEnds.wait(lock, [this] { return FActionThread == nullptr; });
+  FEndedThread.reset();
+}
+
+void TItemProduct::ActionEnded() {
+  const std::lock_guard lock(FActionThreadCS);
+  FEndedThread = std::move(FActionThread);
+  FActionEnds.notify_all();
 }
 
 }  // namespace varcolin

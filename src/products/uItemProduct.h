@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -15,6 +16,7 @@
 namespace varcolin {
 
 class ISystemFacts;
+class TExecuteActionThread;
 
 /// The location that found a product, and the kinds of location that there are.
 enum class TTypeUninstallLocation : std::uint8_t {
@@ -32,9 +34,9 @@ struct TProductKey {
   std::u16string_view Name;  ///< last component of the key's path
 };
 
-/// Identity, descriptive fields, commands and possible actions of one product. Discovery creates and fills records on
-/// its own thread; the item lock guards the fields against the host's reads. A record lives as long as somebody holds
-/// a shared pointer to it; the global list of its class does while it is listed.
+/// Identity, descriptive fields, commands, possible actions and the running action of one product. Discovery creates
+/// and fills records on its own thread; the item lock guards the fields against the host's reads. A record lives as
+/// long as somebody holds a shared pointer to it; the global list of its class does while it is listed.
 class TItemProduct : public std::enable_shared_from_this<TItemProduct> {
  public:
   /// The facilities that every record reads from.
@@ -45,7 +47,8 @@ class TItemProduct : public std::enable_shared_from_this<TItemProduct> {
   explicit TItemProduct(TTypeUninstallLocation ALoc);
   TItemProduct(const TItemProduct&) = delete;
   TItemProduct& operator=(const TItemProduct&) = delete;
-  virtual ~TItemProduct() = default;
+  /// Stops a running action and waits for it. A derived class does so itself first, as the action reads its fields.
+  virtual ~TItemProduct();
 
   /// Enter and leave the item lock (re-entrant).
   void Lock() { FCSItem.lock(); }
@@ -61,8 +64,14 @@ class TItemProduct : public std::enable_shared_from_this<TItemProduct> {
 
   /// The command line of an action; empty when there is none.
   [[nodiscard]] virtual std::u16string GetActionCommand(TPossibleActions AAction) const;
-  /// Starts an action; see IProduct::RunAction.
+  /// Starts an action; see IProduct::RunAction. Taking a product off the list starts nothing here. Raises
+  /// std::system_error when the system has no thread to give; the product is then idle.
   virtual bool RunAction(TPossibleActions& AAction, TNativeUInt& AWndHandle);
+  /// Asks a running action to end, without waiting for it.
+  void TerminateAction();
+  /// Asks a running action to end and waits until it has; returns at once when none runs. The command's process lives
+  /// on. May be called while a list is locked, but not while this record is.
+  void StopActionThread();
 
   // Identity: set by discovery before the record is published, constant afterwards.
   const TTypeUninstallLocation FLocation;
@@ -111,8 +120,15 @@ class TItemProduct : public std::enable_shared_from_this<TItemProduct> {
  private:
   void ReadInstallLocation(const TKeySnapshot& AValues);
   void RefineInstallDate(const TKeyStore& AKeys);
+  /// The last thing that an action's thread does: the product is idle again.
+  friend class TExecuteActionThread;
+  void ActionEnded();
 
   static inline ISystemFacts* FSystem = nullptr;
+  std::mutex FActionThreadCS;                           // guards the next three
+  std::condition_variable FActionEnds;                  // the running action has ended
+  std::unique_ptr<TExecuteActionThread> FActionThread;  // the running action
+  std::unique_ptr<TExecuteActionThread> FEndedThread;   // one that has ended but for its thread's own end
   std::recursive_mutex FCSItem;
   std::atomic<bool> FIsChanged{false};
 };

@@ -27,6 +27,7 @@ class TItemProgram final : public TItemProduct {
   static constexpr std::int32_t DefaultIcon = 3;
 
   explicit TItemProgram(TTypeUninstallLocation ALoc);
+  ~TItemProgram() override { StopActionThread(); }
 
   /// As the base; a program that is taken off the list leaves the list of programs. Its registry entry stays.
   bool RunAction(TPossibleActions& AAction, TNativeUInt& AWndHandle) override;

@@ -20,6 +20,7 @@ class TItemUpdate final : public TItemProduct {
   [[nodiscard]] static TIconLists& Icons() noexcept;
 
   explicit TItemUpdate(TTypeUninstallLocation ALoc);
+  ~TItemUpdate() override { StopActionThread(); }
 
   /// The identifier that a host sees: the update's own, or else its GUID.
   [[nodiscard]] const std::u16string& UpdateIdentifier() const noexcept {

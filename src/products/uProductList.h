@@ -69,6 +69,7 @@ class TProductList {
   /// Takes out every record that AIsGone names, asked from the last record to the first, in one pass. An exception of
   /// AIsGone leaves the list as far as it had been asked.
   void RemoveWhere(const std::function<bool(const TItem&)>& AIsGone) {
+    std::vector<TPointer> removed;  // they go when the list is free again: the end of a record may take its time
     const std::lock_guard lock(FLock);
     std::vector<bool> gone(FItems.size());
     const auto sweep = [&] {
@@ -76,6 +77,7 @@ class TProductList {
       for (std::size_t index = 0; index < FItems.size(); ++index) {
         if (gone[index]) {
           Forget(*FItems[index]);
+          removed.push_back(std::move(FItems[index]));
         } else {
           if (kept != index) FItems[kept] = std::move(FItems[index]);
           ++kept;
@@ -94,11 +96,13 @@ class TProductList {
   }
   /// Takes one record out; false when it is not in the list.
   bool Remove(const TItem& AItem) {
+    TPointer removed;  // as above
     const std::lock_guard lock(FLock);
     const auto found =
         std::find_if(FItems.begin(), FItems.end(), [&](const auto& item) { return item.get() == &AItem; });
     if (found == FItems.end()) return false;
     Forget(AItem);
+    removed = std::move(*found);
     FItems.erase(found);
     FCount = FItems.size();
     return true;

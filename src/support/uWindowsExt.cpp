@@ -2,21 +2,20 @@
 
 #include <memory>
 
-#include "platform/Processes.h"
 #include "platform/Sync.h"
 #include "platform/SystemFacts.h"
 #include "support/uExceptions.h"
+#include "support/uFormat.h"
 
 namespace varcolin {
 namespace {
 
 struct TState {
   IProcesses& Processes;
+  IProcessStart& Starts;
+  ITopWindows& Windows;
   ISystemFacts& System;
   ISync& Sync;
-
-  TState(IProcesses& AProcesses, ISystemFacts& ASystem, ISync& ASync) noexcept
-      : Processes(AProcesses), System(ASystem), Sync(ASync) {}
 };
 std::unique_ptr<TState> LoadedState;
 
@@ -25,20 +24,63 @@ TState& State() {
   return *LoadedState;
 }
 
+void Check(TWinError ACode) {
+  if (ACode != WinError::Success) throw EOSError(ACode, State().System.ErrorText(ACode));
+}
+
 }  // namespace
 
-void WindowsExt::Load(IProcesses& AProcesses, ISystemFacts& ASystem, ISync& ASync) {
-  LoadedState = std::make_unique<TState>(AProcesses, ASystem, ASync);
+void WindowsExt::Load(IProcesses& AProcesses, IProcessStart& AStarts, ITopWindows& AWindows, ISystemFacts& ASystem,
+                      ISync& ASync) {
+  LoadedState = std::make_unique<TState>(TState{AProcesses, AStarts, AWindows, ASystem, ASync});
 }
 
 void WindowsExt::Unload() noexcept { LoadedState.reset(); }
+
+void WindowsExt::CreateProcessAsCurrentUser(std::u16string_view ACommand, TProcessInfo& AProcessInfo) {
+  constexpr std::uint32_t flags =
+      StartFlag::DefaultErrorMode | StartFlag::BreakAwayFromJob | StartFlag::NewProcessGroup;
+  IProcessStart& starts = State().Starts;
+  TToken own;
+  TToken primary;
+  Check(starts.OpenOwnToken(TokenAccess::All, own));
+  Check(starts.DuplicateAsPrimary(own, primary));
+  const TWinError code = starts.StartAsUser(primary, ACommand, flags, AProcessInfo);
+  if (code == WinError::PrivilegeNotHeld) {
+    Check(starts.StartAsSelf(ACommand, flags, AProcessInfo));
+  } else if (code != WinError::Success) {
+    throw Exception(Format(u"Error execute command: \"%s\". Message: %s.", {ACommand, State().System.ErrorText(code)}));
+  }
+}
+
+void WindowsExt::CreateProcessAsCurrentUser(std::u16string_view ACommand) {
+  TProcessInfo process;
+  CreateProcessAsCurrentUser(ACommand, process);
+}
+
+std::vector<TProcessEntry> WindowsExt::WTSEnumerateProcesses() {
+  std::vector<TProcessEntry> processes;
+  Check(State().Processes.EnumProcesses(processes));
+  return processes;
+}
+
+std::u16string WindowsExt::GetModuleFileNameEx(const TProcess& AProcess) {
+  std::u16string path;
+  return State().Processes.GetModulePath(AProcess, path) == WinError::Success ? path : std::u16string();
+}
+
+std::u16string WindowsExt::GetProcessImageFileName(const TProcess& AProcess) {
+  std::u16string path;
+  return State().Processes.GetImagePath(AProcess, path) == WinError::Success ? path : std::u16string();
+}
+
+std::u16string WindowsExt::GetWindowText(TWindowHandle AWnd) { return State().Windows.GetTitle(AWnd); }
 
 std::uint32_t WindowsExt::GetTickDelta(std::uint32_t AStart) { return State().Sync.TickCount() - AStart; }
 
 std::u16string WindowsExt::GetUserSID() {
   std::u16string sid;
-  const TWinError error = State().Processes.GetUserSid(sid);
-  if (error != WinError::Success) throw EOSError(error, State().System.ErrorText(error));
+  Check(State().Processes.GetUserSid(sid));
   return sid;
 }
 

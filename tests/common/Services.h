@@ -40,7 +40,8 @@ class TServices : public ::testing::Test {
   /// Loads everything below the file utilities, over the machine or over AFacilities.
   void LoadSuiteServices(const TMachine& AFacilities) {
     WinVersionInfo::Load(AFacilities.System, AFacilities.Shell, AFacilities.Modules);
-    WindowsExt::Load(AFacilities.Processes, AFacilities.System, AFacilities.Sync);
+    WindowsExt::Load(AFacilities.Processes, AFacilities.Starts, AFacilities.Windows, AFacilities.System,
+                     AFacilities.Sync);
     DLLStringsLocalized::Load();
     SiblingLoader::Load(AFacilities.Modules, AFacilities.Messages, AFacilities.Processes);
     DLLGlobals::Load(AFacilities.System, AFacilities.Modules);

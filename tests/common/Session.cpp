@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstring>
 #include <thread>
 
@@ -106,9 +107,34 @@ IVarcolin& TSession::Load(const TMachine& AFacilities) {
 
 void TSession::Unload() {
   if (!FModules) return;
-  FManager->Stop();
+  Stop();
   FManager = nullptr;
   FModules.reset();
+}
+
+void TSession::Stop() {
+  std::atomic<bool> stopped{false};
+  std::thread stopper([&] {
+    FManager->Stop();
+    stopped = true;
+  });
+  Machine().Clock().AdvanceUntil([&] { return stopped.load(); }, 100);
+  stopper.join();
+}
+
+bool TSession::IsBusy(IProduct& AProduct) {
+  TPossibleActions none = NoAction;
+  TNativeUInt window = 0;
+  return !AProduct.RunAction(&none, &window);
+}
+
+std::uint32_t TSession::RunToItsEnd(IProduct& AProduct, TPossibleActions AAction) {
+  TNativeUInt window = 0;
+  EXPECT_TRUE(AProduct.RunAction(&AAction, &window));
+  const std::uint32_t start = Machine().Clock().TickCount();
+  // the reader waits as well: both see each step
+  Machine().Clock().AdvanceUntil([&] { return !IsBusy(AProduct); }, 50, 2);
+  return Machine().Clock().TickCount() - start;
 }
 
 void TSession::Discover() {

@@ -33,12 +33,19 @@ class TSession {
   IVarcolin& Load();
   IVarcolin& Load(const TMachine& AFacilities);
   void Unload();
+  /// Stops the library, letting time pass as long as that takes.
+  void Stop();
   [[nodiscard]] IVarcolin& Manager() noexcept { return *FManager; }
 
   /// Refreshes and returns when everything is read and the reader waits for changes.
   void Discover();
   /// Lets the reader see a change and returns when it has read the lists and details again.
   void LetChangesBeSeen();
+  /// Whether an action of the product runs.
+  [[nodiscard]] static bool IsBusy(IProduct& AProduct);
+  /// Runs an action and lets time pass until the product is idle again, with the reader waiting for changes. The
+  /// milliseconds that it took, rounded up to the library's looks.
+  std::uint32_t RunToItsEnd(IProduct& AProduct, TPossibleActions AAction);
   /// The products of a list, in its order.
   [[nodiscard]] std::vector<TInterfaceRef<IProduct>> Programs();
   [[nodiscard]] std::vector<TInterfaceRef<IProduct>> Updates();
