@@ -41,36 +41,17 @@ std::string FormatProgram(const TProgramRecord& AProgram) {
   return text;
 }
 
-/// The sentence about a text that names several programs, with the candidates below it.
-std::string DescribeCandidates(const std::string& AText, const std::vector<TProgramRecord>& ACandidates) {
-  constexpr std::size_t maximumShown = 50;
-  std::string text = '"' + Printable(AText) + "\" names " + std::to_string(ACandidates.size()) +
-                     " programs; say which by its whole name or its GUID:";
-  for (std::size_t i = 0; i < std::min(ACandidates.size(), maximumShown); ++i) {
-    const TProgramRecord& candidate = ACandidates[i];
-    text += "\n  " + FitToCells(candidate.DisplayName, 100);
-    if (!candidate.Version.empty()) text += "  " + FitToCells(candidate.Version, 30);
-    if (!candidate.Guid.empty()) text += "  " + FitToCells(candidate.Guid, 60);
-  }
-  if (ACandidates.size() > maximumShown) {
-    text += "\n  and " + std::to_string(ACandidates.size() - maximumShown) + " more";
-  }
-  return text;
-}
-
 }  // namespace
 
 int RunShow(const TShowOptions& AOptions) {
-  std::vector<TProgramRecord> found;
+  TProgramRecord program;
   {
     const TLibrary library(AOptions.Machine);
     TDiscovery discovery(library.Manager());
     discovery.WaitUntilLoaded();
-    found = FindPrograms(discovery.Read(), AOptions.NameOrGuid);
+    program = ChooseProgram(discovery.Read(), AOptions.NameOrGuid);
   }
-  if (found.empty()) throw EHostError("no program is called \"" + Printable(AOptions.NameOrGuid) + '"');
-  if (found.size() > 1) throw EHostError(DescribeCandidates(AOptions.NameOrGuid, found));
-  WriteOutput(AOptions.Json ? FormatJson(found) : FormatProgram(found.front()));
+  WriteOutput(AOptions.Json ? FormatJson(std::span(&program, 1)) : FormatProgram(program));
   return ExitOk;
 }
 

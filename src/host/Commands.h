@@ -24,10 +24,33 @@ struct TShowOptions {
   std::string NameOrGuid;
 };
 
+enum class EAct { Uninstall, Modify, Repair };
+
+struct TActOptions {
+  TMachineImage Machine;
+  std::string NameOrGuid;
+  EAct Kind = EAct::Uninstall;
+  bool Quiet = false;             ///< the uninstall without a user interface
+  bool Yes = false;               ///< runs without a question
+  bool AllowUserCommand = false;  ///< also a command of the user's part of the registry, with administrator rights
+};
+
+struct TForgetOptions {
+  TMachineImage Machine;
+  std::string NameOrGuid;
+};
+
 /// Lists the programs.
 int RunPrograms(const TProgramsOptions& AOptions);
 /// Shows all that is known of one program.
 int RunShow(const TShowOptions& AOptions);
+/// Shows the command that uninstalls, modifies or repairs a program, asks, runs it, and waits until it has ended; says
+/// whether the program is listed any longer. ExitFailure when an uninstalled one is.
+int RunAct(const TActOptions& AOptions);
+/// Takes a program off the library's list.
+int RunForget(const TForgetOptions& AOptions);
+/// Opens the dialog for the optional features of Windows.
+int RunFeatures(const TMachineImage& AMachine);
 /// Prints what appears, changes and vanishes until the user interrupts.
 int RunWatch(const TMachineImage& AMachine);
 /// Prints where the library's log is, and its text.

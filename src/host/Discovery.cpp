@@ -5,6 +5,7 @@
 #include <string>
 #include <thread>
 
+#include "host/Progress.h"
 #include "host/Terminal.h"
 
 namespace varcolin::host {
@@ -24,25 +25,6 @@ class TCollectionLock {
 };
 
 }  // namespace
-
-/// The line of progress on the error stream, rewritten in place and wiped in the end.
-class TDiscovery::TProgress {
- public:
-  TProgress() = default;
-  TProgress(const TProgress&) = delete;
-  TProgress& operator=(const TProgress&) = delete;
-  ~TProgress() { Show({}); }
-
-  void Show(const std::string& AText) {
-    if (AText == FShown) return;
-    const std::size_t rest = FShown.size() > AText.size() ? FShown.size() - AText.size() : 0;
-    WriteError('\r' + AText + std::string(rest, ' ') + std::string(rest, '\b') + (AText.empty() ? "\r" : ""));
-    FShown = AText;
-  }
-
- private:
-  std::string FShown;
-};
 
 TDiscovery::TDiscovery(IVarcolin& AManager) : FManager(AManager) {
   FManager.SetStrings(nullptr);
@@ -66,7 +48,6 @@ void TDiscovery::WaitUntilLoaded() {
   using TClock = std::chrono::steady_clock;
   constexpr std::chrono::milliseconds longestSleep(16);
   constexpr std::chrono::milliseconds progressPeriod(100);
-  const bool watched = IsErrorTerminal();
   TProgress progress;
   std::chrono::milliseconds sleep(1);
   TClock::time_point nextProgress = TClock::now() + progressPeriod;
@@ -74,7 +55,7 @@ void TDiscovery::WaitUntilLoaded() {
   while (FManager.GetState() != TVRCState::vrcsLoaded && !IsInterrupted()) {
     std::this_thread::sleep_for(sleep);
     sleep = std::min(sleep * 2, longestSleep);
-    if (!watched || TClock::now() < nextProgress) continue;
+    if (!progress.IsWatched() || TClock::now() < nextProgress) continue;
     nextProgress = TClock::now() + progressPeriod;
     std::size_t count = 0;
     ForEachProgram([&](IProduct& AProduct) {
@@ -96,6 +77,15 @@ std::vector<TProgramRecord> TDiscovery::Read() {
   });
   FCount = records.size();
   return records;
+}
+
+TInterfaceRef<IProduct> TDiscovery::ProductOf(const TProgramRecord& AProgram) {
+  TInterfaceRef<IProduct> found;
+  ForEachProgram([&](IProduct& AProduct) {
+    if (found || ReadProgram(AProduct) != AProgram) return;
+    AProduct.QueryInterface(IProduct::IID, reinterpret_cast<void**>(found.Receive()));
+  });
+  return found;
 }
 
 bool TDiscovery::HasNews() {

@@ -20,12 +20,12 @@ class TDiscovery {
   void WaitUntilLoaded();
   /// Reads all programs, in the library's order.
   [[nodiscard]] std::vector<TProgramRecord> Read();
+  /// The listed product that reads like AProgram; null when there is none any more.
+  [[nodiscard]] TInterfaceRef<IProduct> ProductOf(const TProgramRecord& AProgram);
   /// Whether the number of programs differs from that of the last Read, or the details of one have been read since.
   [[nodiscard]] bool HasNews();
 
  private:
-  class TProgress;
-
   /// Calls AFunction with every program while the list is locked.
   template <class TFunction>
   void ForEachProgram(TFunction AFunction);

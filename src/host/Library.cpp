@@ -2,9 +2,37 @@
 #include "host/Library.h"
 
 #include "host/HostError.h"
+#include "intf/intf_Brismere.h"
 #include "intf/intf_Helper.h"
+#include "intf/intf_Quillet.h"
 
 namespace varcolin::host {
+
+bool TLibrary::IsElevated() const {
+  const TInterfaceRef<IBrismere> service(
+      static_cast<IBrismere*>(Sibling(u"BrismereHelper.dll", u"{5C2990D5-37CD-4FE8-8EC4-A23723A7D4F1}")));
+  if (!service) throw EHostError("BrismereHelper.dll does not tell the user's rights");
+  return service->IsUserAdmin();
+}
+
+std::vector<TRunningProcess> TLibrary::Processes() const {
+  const TInterfaceRef<IQuilletProcessList> list(
+      static_cast<IQuilletProcessList*>(Sibling(u"QuilletHelper.dll", u"{CDCFC755-A3C6-4E67-8EB8-25EB9A51E85D}")));
+  if (!list) throw EHostError("QuilletHelper.dll does not list the processes");
+  std::vector<TRunningProcess> processes;
+  list->Lock();
+  list->RefreshList();
+  for (std::int32_t index = 0; index < list->GetCount(); ++index) {
+    TInterfaceRef<IQuilletProcess> process;
+    list->GetItem(index, process.Receive());
+    if (!process) continue;
+    TOleText path;
+    process->GetPath(path.Receive());
+    processes.push_back({process->GetProcessID(), std::u16string(path.View())});
+  }
+  list->Unlock();
+  return processes;
+}
 
 std::u16string TLibrary::LogPath() const {
   const TInterfaceRef<IHelper> helper(

@@ -12,6 +12,12 @@
 
 namespace varcolin::host {
 
+/// One process; Path is empty when it cannot be read.
+struct TRunningProcess {
+  std::uint32_t Id = 0;
+  std::u16string Path;
+};
+
 /// The loaded library. Every interface obtained through it is given back before it goes.
 class TLibrary {
  public:
@@ -28,6 +34,15 @@ class TLibrary {
 
   [[nodiscard]] IVarcolin& Manager() const noexcept { return *FManager; }
 
+  /// Whether this process has administrator rights. Throws EHostError when the backup service cannot be asked.
+  [[nodiscard]] bool IsElevated() const;
+  /// The processes that run at this moment. Throws EHostError when the process list cannot be reached.
+  [[nodiscard]] std::vector<TRunningProcess> Processes() const;
+  /// Title of a window that the library named; empty when it has gone.
+  [[nodiscard]] std::u16string WindowTitle(TNativeUInt AWindow) const;
+  /// What the machine has told its user in message boxes since the last call, where nobody saw them.
+  [[nodiscard]] std::vector<std::string> TakeMessages() const;
+
   /// The log file of the library, a Windows path. Throws EHostError when the suite's helper cannot be reached.
   [[nodiscard]] std::u16string LogPath() const;
   /// The content of a file of the machine; none when it cannot be read.
@@ -36,7 +51,8 @@ class TLibrary {
  private:
   struct TModules;
 
-  /// An interface of a sibling library by its GUID text; null when there is none. No reference of the caller's own.
+  /// An interface of a sibling library by its GUID text (both texts live as long as the program); null when there is
+  /// none. No reference of the caller's own.
   [[nodiscard]] void* Sibling(const char16_t* ALibrary, const char16_t* AGuid) const;
 
   std::unique_ptr<TModules> FModules;

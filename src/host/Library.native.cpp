@@ -33,6 +33,19 @@ void* TLibrary::Sibling(const char16_t* ALibrary, const char16_t* AGuid) const {
   return FModules->Machine->GetSiblingInstance(ALibrary, AGuid);
 }
 
+std::u16string TLibrary::WindowTitle(TNativeUInt AWindow) const {
+  TOleText title;
+  FModules->Machine->GetTitleOfWindow(AWindow, title.Receive());
+  return std::u16string(title.View());
+}
+
+std::vector<std::string> TLibrary::TakeMessages() const {
+  std::vector<std::string> messages;
+  TOleText message;
+  while (FModules->Machine->TakeMessage(message.Receive())) messages.push_back(ToUtf8(message.View()));
+  return messages;
+}
+
 std::optional<std::vector<std::byte>> TLibrary::ReadFile(const std::u16string& APath) const {
   const std::int64_t size = FModules->Machine->GetSizeOfFile(APath.c_str());
   if (size < 0) return std::nullopt;

@@ -1,6 +1,8 @@
 // "Varcolin.dll" and its siblings, loaded from the folder of the host.
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
 
 #include "host/HostError.h"
 #include "host/Library.h"
@@ -59,7 +61,8 @@ class TModule {
 
 struct TLibrary::TModules {
   TModule Varcolin{HostFolder() + L"Varcolin.dll"};
-  mutable std::unique_ptr<TModule> Sibling;  // kept until the library goes: its interfaces are in use
+  // kept until the library goes: their interfaces are in use
+  std::map<std::u16string_view, std::unique_ptr<TModule>> Siblings;
 };
 
 TLibrary::TLibrary(const std::optional<std::string>& AMachine) : FModules(std::make_unique<TModules>()) {
@@ -74,18 +77,27 @@ TLibrary::TLibrary(const std::optional<std::string>& AMachine) : FModules(std::m
 TLibrary::~TLibrary() {
   if (FManager) FManager->Stop();
   FManager.Reset();
-  FModules->Sibling.reset();
+  FModules->Siblings.clear();
 }
 
 bool TLibrary::HasMachineImages() noexcept { return false; }
 
 void* TLibrary::Sibling(const char16_t* ALibrary, const char16_t* AGuid) const {
-  if (FModules->Sibling == nullptr) {
-    const std::u16string_view name = ALibrary;
-    FModules->Sibling = std::make_unique<TModule>(HostFolder() + std::wstring(name.begin(), name.end()));
-  }
-  return FModules->Sibling->GetInstance(AGuid);
+  const std::u16string_view name = ALibrary;
+  std::unique_ptr<TModule>& module = FModules->Siblings[name];
+  if (module == nullptr) module = std::make_unique<TModule>(HostFolder() + std::wstring(name.begin(), name.end()));
+  return module->GetInstance(AGuid);
 }
+
+std::u16string TLibrary::WindowTitle(TNativeUInt AWindow) const {
+  constexpr int longest = 1024;
+  std::u16string title(longest, u'\0');
+  const int length = GetWindowTextW(reinterpret_cast<void*>(AWindow), title.data(), longest);
+  title.resize(static_cast<std::size_t>(std::max(length, 0)));
+  return title;
+}
+
+std::vector<std::string> TLibrary::TakeMessages() const { return {}; }  // the user has seen them
 
 std::optional<std::vector<std::byte>> TLibrary::ReadFile(const std::u16string& APath) const {
   std::ifstream file(std::filesystem::path(std::wstring(APath.begin(), APath.end())), std::ios::binary);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/Cells.h"
+#include "host/HostError.h"
 #include "host/Text.h"
 
 namespace varcolin::host {
@@ -64,6 +65,23 @@ std::string DescribeProgram(const TProgramRecord& ARecord) {
   return text;
 }
 
+/// The sentence about a text that names several programs, with the candidates below it.
+std::string DescribeCandidates(std::string_view AText, const std::vector<TProgramRecord>& ACandidates) {
+  constexpr std::size_t maximumShown = 50;
+  std::string text = '"' + Printable(AText) + "\" names " + std::to_string(ACandidates.size()) +
+                     " programs; say which by its whole name or its GUID:";
+  for (std::size_t i = 0; i < std::min(ACandidates.size(), maximumShown); ++i) {
+    const TProgramRecord& candidate = ACandidates[i];
+    text += "\n  " + FitToCells(candidate.DisplayName, 100);
+    if (!candidate.Version.empty()) text += "  " + FitToCells(candidate.Version, 30);
+    if (!candidate.Guid.empty()) text += "  " + FitToCells(candidate.Guid, 60);
+  }
+  if (ACandidates.size() > maximumShown) {
+    text += "\n  and " + std::to_string(ACandidates.size() - maximumShown) + " more";
+  }
+  return text;
+}
+
 }  // namespace
 
 void FilterPrograms(std::vector<TProgramRecord>& APrograms, std::string_view AText) {
@@ -107,6 +125,13 @@ std::vector<TProgramRecord> FindPrograms(std::span<const TProgramRecord> AProgra
     found = Select(APrograms, [&](const TProgramRecord& ARecord) { return Contains(ARecord.DisplayName, text); });
   }
   return found;
+}
+
+TProgramRecord ChooseProgram(std::span<const TProgramRecord> APrograms, std::string_view ANameOrGuid) {
+  std::vector<TProgramRecord> found = FindPrograms(APrograms, ANameOrGuid);
+  if (found.empty()) throw EHostError("no program is called \"" + Printable(ANameOrGuid) + '"');
+  if (found.size() > 1) throw EHostError(DescribeCandidates(ANameOrGuid, found));
+  return std::move(found.front());
 }
 
 std::vector<TProgramChange> CompareReadings(std::span<const TProgramRecord> ABefore,

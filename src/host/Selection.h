@@ -25,6 +25,9 @@ void SortPrograms(std::vector<TProgramRecord>& APrograms, ESortOrder AOrder);
 [[nodiscard]] std::vector<TProgramRecord> FindPrograms(std::span<const TProgramRecord> APrograms,
                                                        std::string_view ANameOrGuid);
 
+/// The one program that a text names. Throws EHostError, with the candidates, for none and for several.
+[[nodiscard]] TProgramRecord ChooseProgram(std::span<const TProgramRecord> APrograms, std::string_view ANameOrGuid);
+
 /// What happened to a program between two readings. Before is empty for one that appeared, After for one that vanished.
 struct TProgramChange {
   std::optional<TProgramRecord> Before;

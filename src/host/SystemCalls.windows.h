@@ -46,6 +46,7 @@ __declspec(dllimport) void* __stdcall LoadLibraryW(const wchar_t* APath);
 __declspec(dllimport) int __stdcall FreeLibrary(void* AModule);
 __declspec(dllimport) void* __stdcall GetProcAddress(void* AModule, const char* AName);
 __declspec(dllimport) std::uint32_t __stdcall GetModuleFileNameW(void* AModule, wchar_t* APath, std::uint32_t ASize);
+__declspec(dllimport) int __stdcall GetWindowTextW(void* AWindow, char16_t* AText, int ASize);
 __declspec(dllimport) char16_t* __stdcall SysAllocStringLen(const char16_t* AText, unsigned ALength);
 __declspec(dllimport) void __stdcall SysFreeString(char16_t* AText);
 __declspec(dllimport) unsigned __stdcall SysStringLen(char16_t* AText);

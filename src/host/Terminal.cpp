@@ -2,8 +2,23 @@
 
 #include <charconv>
 #include <cstdlib>
+#include <iostream>
+
+#include "host/Text.h"
 
 namespace varcolin::host {
+
+EAnswer AskYesNo(std::string_view AQuestion) {
+  WriteError(AQuestion);
+  std::string line;
+  if (!std::getline(std::cin, line)) {
+    WriteError("\n");
+    return EAnswer::None;
+  }
+  if (line.ends_with('\r')) line.pop_back();
+  const std::u32string answer = FoldCase(line);
+  return answer == U"y" || answer == U"yes" ? EAnswer::Yes : EAnswer::No;
+}
 
 std::size_t ColumnsOfEnvironment() noexcept {
   const char* text = std::getenv("COLUMNS");

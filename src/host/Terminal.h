@@ -21,6 +21,11 @@ void WriteOutput(std::string_view AText);
 /// Writes AText (UTF-8) to the error stream; failures are passed over.
 void WriteError(std::string_view AText) noexcept;
 
+enum class EAnswer { Yes, No, None };
+
+/// Asks on the error stream and reads one line of the input: Yes for "y" or "yes" in any case, None at its end.
+[[nodiscard]] EAnswer AskYesNo(std::string_view AQuestion);
+
 /// Whether a person watches the error stream.
 [[nodiscard]] bool IsErrorTerminal() noexcept;
 /// Cells of a line of output; UnlimitedCells when it does not go to a terminal.

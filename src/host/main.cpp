@@ -1,4 +1,4 @@
-// varcolin: the programs of a Windows machine, listed end to end.
+// varcolin: the programs of a Windows machine, listed and removed.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
@@ -18,6 +18,9 @@ namespace {
 struct TCommandLine {
   TProgramsOptions Programs;
   TShowOptions Show;
+  TActOptions Act;
+  TForgetOptions Forget;
+  TMachineImage Features;
   TMachineImage Watch;
   TMachineImage Log;
 };
@@ -39,6 +42,37 @@ void AddMachineOption(CLI::App& ACommand, TMachineImage& AMachine) {
       ->type_name("IMAGE");
 }
 
+void AddProgramArgument(CLI::App& ACommand, std::string& ANameOrGuid) {
+  ACommand.add_option("program", ANameOrGuid, "Its name, a part of its name, or its GUID")
+      ->required()
+      ->type_name("NAME|GUID");
+}
+
+void AddActs(CLI::App& AApp, TCommandLine& ALine) {
+  struct TAct {
+    const char* Name;
+    const char* Text;
+    EAct Kind;
+  };
+  for (const TAct& act : {TAct{"uninstall", "Run a program's uninstaller", EAct::Uninstall},
+                          TAct{"modify", "Run what changes a program's parts", EAct::Modify},
+                          TAct{"repair", "Run what repairs a program", EAct::Repair}}) {
+    CLI::App* command = AApp.add_subcommand(act.Name, act.Text);
+    AddMachineOption(*command, ALine.Act.Machine);
+    AddProgramArgument(*command, ALine.Act.NameOrGuid);
+    command->add_flag("--quiet", ALine.Act.Quiet, "Without a user interface; uninstall alone can be so");
+    command->add_flag("--yes", ALine.Act.Yes, "Run the command without a question");
+    command->add_flag("--allow-user-command", ALine.Act.AllowUserCommand,
+                      "With administrator rights: run also what the user's part of the registry names");
+    command->callback([&ALine, kind = act.Kind] { ALine.Act.Kind = kind; });
+  }
+  CLI::App* forget = AApp.add_subcommand("forget", "Take a dead entry off the list; its registry entry stays");
+  AddMachineOption(*forget, ALine.Forget.Machine);
+  AddProgramArgument(*forget, ALine.Forget.NameOrGuid);
+  CLI::App* features = AApp.add_subcommand("features", "Open the dialog for the optional features of Windows");
+  AddMachineOption(*features, ALine.Features);
+}
+
 void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
   CLI::App* programs = AApp.add_subcommand("programs", "List the installed programs");
   AddMachineOption(*programs, ALine.Programs.Machine);
@@ -57,10 +91,9 @@ void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
   CLI::App* show = AApp.add_subcommand("show", "Show all that is known of one program");
   AddMachineOption(*show, ALine.Show.Machine);
   show->add_flag("--json", ALine.Show.Json, "Print one JSON document");
-  show->add_option("program", ALine.Show.NameOrGuid, "Its name, a part of its name, or its GUID")
-      ->required()
-      ->type_name("NAME|GUID");
+  AddProgramArgument(*show, ALine.Show.NameOrGuid);
 
+  AddActs(AApp, ALine);
   CLI::App* watch = AApp.add_subcommand("watch", "Print what appears, changes and vanishes until interrupted");
   AddMachineOption(*watch, ALine.Watch);
 
@@ -71,13 +104,18 @@ void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
 int RunCommand(CLI::App& AApp, const TCommandLine& ALine) {
   if (AApp.got_subcommand("programs")) return RunPrograms(ALine.Programs);
   if (AApp.got_subcommand("show")) return RunShow(ALine.Show);
+  for (const char* const name : {"uninstall", "modify", "repair"}) {
+    if (AApp.got_subcommand(name)) return RunAct(ALine.Act);
+  }
+  if (AApp.got_subcommand("forget")) return RunForget(ALine.Forget);
+  if (AApp.got_subcommand("features")) return RunFeatures(ALine.Features);
   if (AApp.got_subcommand("watch")) return RunWatch(ALine.Watch);
   return RunLog(ALine.Log);
 }
 
 int Run(const std::vector<std::string>& AArguments) {
   TCommandLine line;
-  CLI::App app("Lists the installed programs of a Windows machine.", "varcolin");
+  CLI::App app("Lists the installed programs of a Windows machine and runs their uninstallers.", "varcolin");
   app.require_subcommand(1);
   app.allow_windows_style_options(false);
   app.set_version_flag("--version", "varcolin " VARCOLIN_VERSION);

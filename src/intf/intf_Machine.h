@@ -17,6 +17,11 @@ struct IMachine : IInterface {
   /// Reads a file's first ASize bytes into ABuffer and returns how many there were.
   virtual std::int64_t VARCOLIN_CALL ReadWholeFile(const char16_t* APath, void* ABuffer, std::int64_t ASize) = 0;
 
+  /// Writes the title of a window of the machine; empty when there is no such window.
+  virtual void VARCOLIN_CALL GetTitleOfWindow(TNativeUInt AWindow, TOleString* AResult) = 0;
+  /// Writes the text of the oldest message box that was shown and not taken yet; false when there is none.
+  virtual bool VARCOLIN_CALL TakeMessage(TOleString* AResult) = 0;
+
  protected:
   ~IMachine() = default;
 };

@@ -118,6 +118,20 @@ struct IProduct : IInterface {
   ~IProduct() = default;
 };
 
+/// What a host must know of a product's commands before it lets one run. A product serves it by QueryInterface.
+struct IProductCommands : IInterface {
+  static constexpr TGUID IID{0xD1465CA9, 0x77C6, 0x49DF, {0x92, 0x9C, 0x4E, 0x4D, 0x64, 0x73, 0x02, 0x20}};
+
+  /// Writes the command line that RunAction starts for this action; empty when it starts none.
+  virtual void VARCOLIN_CALL GetActionCommand(TPossibleActions AAction, TOleString* AResult) = 0;
+  /// Whether the commands come from the user's own part of the registry, which every program of the user can write:
+  /// an elevated host should not run them unasked. True also without a product.
+  virtual bool VARCOLIN_CALL IsUserCommand() = 0;
+
+ protected:
+  ~IProductCommands() = default;
+};
+
 /// A live view of the programs or of the updates. Indices are valid only while the collection is locked.
 struct IProductCollection : IInterface {
   static constexpr TGUID IID{0xD1465CA9, 0x77C6, 0x49DF, {0x92, 0x9C, 0x4E, 0x4D, 0x64, 0x73, 0x02, 0x03}};

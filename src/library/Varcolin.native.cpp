@@ -45,7 +45,19 @@ class TMachineView final : public TInterfacedObject<IMachine> {
     return static_cast<std::int64_t>(size);
   }
 
+  void VARCOLIN_CALL GetTitleOfWindow(TNativeUInt AWindow, TOleString* AResult) override {
+    if (AResult != nullptr) *AResult = AllocOleString(Root()->Machine().Windows().GetTitle(AWindow));
+  }
+  bool VARCOLIN_CALL TakeMessage(TOleString* AResult) override {
+    const auto shown = Root()->Machine().Messages().Shown();
+    if (AResult == nullptr || FTaken >= shown.size()) return false;
+    *AResult = AllocOleString(shown[FTaken++].Text);
+    return true;
+  }
+
  private:
+  std::size_t FTaken = 0;  // message boxes that were taken
+
   static bool Read(const char16_t* APath, std::vector<std::byte>& AData) noexcept {
     try {
       return Root()->Machine().Files().ReadWhole(TextOf(APath), SIZE_MAX, AData) == WinError::Success;

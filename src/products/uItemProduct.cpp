@@ -4,6 +4,7 @@
 
 #include "platform/SystemFacts.h"
 #include "products/uExecuteActionThread.h"
+#include "registry/uRegistryEx.h"
 #include "services/uDLLGlobals.h"
 #include "services/uFileUtils.h"
 #include "services/uStatisticsLog.h"
@@ -279,6 +280,16 @@ std::u16string TItemProduct::GetActionCommand(TPossibleActions AAction) const {
     return command;
   }
   return {};
+}
+
+bool TItemProduct::IsUserCommand() const {
+  if (FRegistryKeys.empty()) return false;
+  std::uint32_t view = 0;
+  ERegistryRoot root = ERegistryRoot::LocalMachine;
+  std::u16string path;
+  std::u16string name;
+  TRegistryEx::ExtractKeyParams(FRegistryKeys.front(), view, root, path, name);
+  return root == ERegistryRoot::CurrentUser || root == ERegistryRoot::Users;
 }
 
 TItemProduct::~TItemProduct() { StopActionThread(); }

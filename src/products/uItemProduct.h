@@ -64,6 +64,8 @@ class TItemProduct : public std::enable_shared_from_this<TItemProduct> {
 
   /// The command line of an action; empty when there is none.
   [[nodiscard]] virtual std::u16string GetActionCommand(TPossibleActions AAction) const;
+  /// Whether the commands come from the user's part of the registry: the main key decides, as they are read there.
+  [[nodiscard]] bool IsUserCommand() const;
   /// Starts an action; see IProduct::RunAction. Taking a product off the list starts nothing here. Raises
   /// std::system_error when the system has no thread to give; the product is then idle.
   virtual bool RunAction(TPossibleActions& AAction, TNativeUInt& AWndHandle);

@@ -194,4 +194,26 @@ bool VARCOLIN_CALL TItemProductIntf::IsNotHost() {
   return isNotHost;
 }
 
+void VARCOLIN_CALL TItemProductIntf::GetActionCommand(TPossibleActions AAction, TOleString* AResult) {
+  if (AResult == nullptr) return;
+  *AResult = nullptr;
+  GuardInterface([&] {
+    const auto product = FProduct.lock();
+    if (!product) return;
+    const std::lock_guard lock(product->ItemLock());
+    *AResult = AllocOleString(product->GetActionCommand(AAction));
+  });
+}
+
+bool VARCOLIN_CALL TItemProductIntf::IsUserCommand() {
+  bool isUsers = true;
+  GuardInterface([&] {
+    const auto product = FProduct.lock();
+    if (!product) return;
+    const std::lock_guard lock(product->ItemLock());
+    isUsers = product->IsUserCommand();
+  });
+  return isUsers;
+}
+
 }  // namespace varcolin

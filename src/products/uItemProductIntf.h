@@ -11,9 +11,9 @@ namespace varcolin {
 
 class IModules;
 
-/// IProduct over a record that a global list owns. When the record is destroyed the wrapper is one without a product,
-/// so late calls are harmless on any thread.
-class TItemProductIntf final : public TInterfacedObject<IProduct> {
+/// IProduct and IProductCommands over a record that a global list owns. When the record is destroyed the wrapper is one
+/// without a product, so late calls are harmless on any thread.
+class TItemProductIntf final : public TInterfacedObject<IProduct, IProductCommands> {
  public:
   static void Load(IModules& AModules) noexcept;
   static void Unload() noexcept;
@@ -27,6 +27,8 @@ class TItemProductIntf final : public TInterfacedObject<IProduct> {
   bool VARCOLIN_CALL RunAction(TPossibleActions* AAction, TNativeUInt* AWndHandle) override;
   void VARCOLIN_CALL CreateForceRemove(IForceRemove** AResult) override;
   bool VARCOLIN_CALL IsNotHost() override;
+  void VARCOLIN_CALL GetActionCommand(TPossibleActions AAction, TOleString* AResult) override;
+  bool VARCOLIN_CALL IsUserCommand() override;
 
  private:
   static inline IModules* FModules = nullptr;

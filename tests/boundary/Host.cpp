@@ -20,6 +20,19 @@ __declspec(dllimport) std::intptr_t
     __stdcall SendMessageW(void* AWindow, std::uint32_t AMessage, std::uintptr_t AFirst, std::intptr_t ASecond);
 __declspec(dllimport) int __stdcall PostMessageW(void* AWindow, std::uint32_t AMessage, std::uintptr_t AFirst,
                                                  std::intptr_t ASecond);
+__declspec(dllimport) int __stdcall GetWindowTextW(void* AWindow, char16_t* AText, int ASize);
+// advapi32
+__declspec(dllimport) std::int32_t
+    __stdcall RegCreateKeyExW(void* ARoot, const char16_t* APath, std::uint32_t AReserved, char16_t* AClass,
+                              std::uint32_t AOptions, std::uint32_t AAccess, void* ASecurity, void** AKey,
+                              std::uint32_t* ADisposition);
+__declspec(dllimport) std::int32_t __stdcall RegOpenKeyExW(void* ARoot, const char16_t* APath, std::uint32_t AOptions,
+                                                           std::uint32_t AAccess, void** AKey);
+__declspec(dllimport) std::int32_t
+    __stdcall RegSetValueExW(void* AKey, const char16_t* AName, std::uint32_t AReserved, std::uint32_t AType,
+                             const void* AData, std::uint32_t ASize);
+__declspec(dllimport) std::int32_t __stdcall RegDeleteKeyW(void* ARoot, const char16_t* APath);
+__declspec(dllimport) std::int32_t __stdcall RegCloseKey(void* AKey);
 // oleaut32
 __declspec(dllimport) char16_t* __stdcall SysAllocStringLen(const char16_t* AText, std::uint32_t ALength);
 __declspec(dllimport) void __stdcall SysFreeString(char16_t* AText);
@@ -41,6 +54,8 @@ namespace {
 
 constexpr std::uint32_t MessageGetText = 0x000D;
 constexpr std::uint32_t MessageClose = 0x0010;
+constexpr std::uint32_t AllAccess = 0xF003F;
+void* const CurrentUser = reinterpret_cast<void*>(static_cast<std::uintptr_t>(0x80000001));
 constexpr std::uint32_t PatienceMilliseconds = 60'000;
 
 }  // namespace
@@ -107,6 +122,58 @@ std::vector<TListed> ProgramsNamed(IVarcolin& AManager, std::u16string_view ANam
     found.push_back(std::move(listed));
   }
   return found;
+}
+
+TInterfaceRef<IProduct> ProductNamed(IVarcolin& AManager, std::u16string_view AName) {
+  TInterfaceRef<IProductCollection> programs;
+  AManager.GetPrograms(programs.Receive());
+  programs->Lock();
+  const std::unique_ptr<IProductCollection, void (*)(IProductCollection*)> locked(
+      programs.Get(), [](IProductCollection* ALocked) { ALocked->Unlock(); });
+  for (std::int32_t i = 0; i < programs->GetCount(); ++i) {
+    TInterfaceRef<IProduct> product;
+    programs->GetItem(i, product.Receive());
+    if (ReadProperty(*product, 0) == TProperty(std::u16string(AName))) return product;
+  }
+  return {};
+}
+
+bool IsBusy(IProduct& AProduct, TNativeUInt* AWindow) {
+  TPossibleActions none = NoAction;
+  TNativeUInt window = 0;
+  return !AProduct.RunAction(&none, AWindow != nullptr ? AWindow : &window);
+}
+
+std::u16string TitleOf(TNativeUInt AWindow) {
+  std::u16string title(256, u'\0');
+  title.resize(static_cast<std::size_t>(
+      GetWindowTextW(reinterpret_cast<void*>(AWindow), title.data(), static_cast<int>(title.size()))));
+  return title;
+}
+
+bool HasWindow(const char16_t* ATitle) { return FindWindowExW(nullptr, nullptr, nullptr, ATitle) != nullptr; }
+
+TUserEntry::TUserEntry(const std::u16string& AName, const std::u16string& AUninstall)
+    : FPath(u"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\" + AName) {
+  void* key = nullptr;
+  if (RegCreateKeyExW(CurrentUser, FPath.c_str(), 0, nullptr, 0, AllAccess, nullptr, &key, nullptr) != 0) {
+    throw std::runtime_error("an uninstall key could not be made");
+  }
+  for (const auto& [name, text] : {std::pair(u"DisplayName", &AName), std::pair(u"UninstallString", &AUninstall)}) {
+    constexpr std::uint32_t isText = 1;
+    RegSetValueExW(key, name, 0, isText, text->c_str(), static_cast<std::uint32_t>((text->size() + 1) * 2));
+  }
+  RegCloseKey(key);
+}
+
+TUserEntry::~TUserEntry() { RegDeleteKeyW(CurrentUser, FPath.c_str()); }
+
+bool TUserEntry::Exists() const {
+  constexpr std::uint32_t read = 0x20019;
+  void* key = nullptr;
+  if (RegOpenKeyExW(CurrentUser, FPath.c_str(), 0, read, &key) != 0) return false;
+  RegCloseKey(key);
+  return true;
 }
 
 bool Eventually(const std::function<bool()>& ACondition) {

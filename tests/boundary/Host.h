@@ -48,6 +48,26 @@ struct TListed {
 /// The listed programs with this display name, read under the list's lock.
 [[nodiscard]] std::vector<TListed> ProgramsNamed(IVarcolin& AManager, std::u16string_view AName);
 
+/// The first listed program with this display name; null when there is none.
+[[nodiscard]] TInterfaceRef<IProduct> ProductNamed(IVarcolin& AManager, std::u16string_view AName);
+/// Whether an action of the product runs; AWindow: its top window.
+[[nodiscard]] bool IsBusy(IProduct& AProduct, TNativeUInt* AWindow = nullptr);
+/// Title of a window; empty when it has gone.
+[[nodiscard]] std::u16string TitleOf(TNativeUInt AWindow);
+/// An uninstall key of this user that goes with the object. Key and program have the same name.
+class TUserEntry {
+ public:
+  TUserEntry(const std::u16string& AName, const std::u16string& AUninstall);
+  TUserEntry(const TUserEntry&) = delete;
+  TUserEntry& operator=(const TUserEntry&) = delete;
+  ~TUserEntry();
+
+  [[nodiscard]] bool Exists() const;
+
+ private:
+  std::u16string FPath;
+};
+
 /// Asks ACondition until it holds; false when it does not hold within a minute.
 [[nodiscard]] bool Eventually(const std::function<bool()>& ACondition);
 /// Starts discovery and waits for its end; false when it does not end within a minute.
@@ -58,6 +78,8 @@ struct TListed {
 /// Runs a program with one argument, waits for its end and returns its exit code; -1 when it could not be started.
 int RunProgram(const std::wstring& AProgram, const std::wstring& AArgument);
 
+/// Whether there is a top window with this title.
+[[nodiscard]] bool HasWindow(const char16_t* ATitle);
 /// The text of the message box with this caption, which is closed; empty when none shows.
 [[nodiscard]] std::u16string DismissMessage(const char16_t* ACaption);
 

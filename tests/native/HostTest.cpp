@@ -173,6 +173,59 @@ TEST(Host, PrintsTablesThatFitAndSteerNothing) {
   }
 }
 
+struct TAct {
+  const char* Arguments;
+  int ExitCode;
+  const char* Output;  // what it begins with
+  const char* Error;   // what it contains; nothing: it is empty
+};
+
+TEST(Host, RunsTheCommandsOfPrograms) {
+  const TAct acts[] = {
+      {"uninstall dunlin --yes", 0,
+       "Dunlin Download Desk: \"C:\\Program Files (x86)\\Dunlin\\uninst.exe\"\n"
+       "Dunlin Download Desk is no longer listed.\n",
+       ""},
+      {"uninstall dunlin", 1, "Dunlin Download Desk: \"C:\\Program Files (x86)\\Dunlin\\uninst.exe\"\n",
+       "--yes runs it without a question"},
+      {"uninstall dunlin <<<no", 1, "Dunlin", "nothing was run"},
+      {"uninstall {d72a95c8-1e4b-4f30-a6d9-2b8c0e71f543} <<<Y", 0,
+       "Pinfold Reader 3.4: msiexec.exe /x {D72A95C8-1E4B-4F30-A6D9-2B8C0E71F543}\n"
+       "Pinfold Reader 3.4 is no longer listed.\n",
+       "Run it? [y/N] "},
+      {"uninstall tarnhelm --yes", 1,
+       "Tarnhelm Image Studio 4.2: \"C:\\Program Files\\Tarnhelm Studio\\unins000.exe\"\n"
+       "Tarnhelm Image Studio 4.2 is still listed.\n",
+       "Error execute command: "},
+      {"uninstall ember --yes", 1, "Ember Browser: ", "--allow-user-command"},
+      {"uninstall ember --yes --allow-user-command", 1, "Ember Browser: ", "Error execute command: "},
+      {"uninstall kestrel --yes", 1, "", "names 2 programs"},
+      {"uninstall whinchat --yes", 1, "", "it offers removeFromRegistry"},
+      {"uninstall dunlin --quiet <<<n", 1, "Dunlin Download Desk: \"C:\\Program Files (x86)\\Dunlin\\uninst.exe\" /S\n",
+       "nothing was run"},
+      {"repair pinfold <<<n", 1, "Pinfold Reader 3.4: msiexec.exe /fa {D72A95C8", "nothing was run"},
+      {"modify pinfold <<<n", 1, "Pinfold Reader 3.4: msiexec.exe /i {D72A95C8", "nothing was run"},
+      {"modify pinfold --quiet", 2, "", "only uninstall can be quiet"},
+      {"forget whinchat", 0, "Whinchat Portable was taken off the library's list; its registry entry stays.\n", ""},
+      {"features", 0, "Windows was asked", ""},
+  };
+  for (const TAct& act : acts) {
+    SCOPED_TRACE(act.Arguments);
+    const std::string arguments = act.Arguments;
+    const auto input = std::min(arguments.find("<<<"), arguments.size());
+    const TOutcome outcome = RunShell("\"$HOST\" " + arguments.substr(0, input) + " --machine " +
+                                      Quoted(SAMPLE_MACHINE) + ' ' + arguments.substr(input));
+    EXPECT_EQ(outcome.ExitCode, act.ExitCode);
+    EXPECT_EQ(outcome.Output.substr(0, std::string_view(act.Output).size()), act.Output);
+    if (*act.Error == '\0') {
+      EXPECT_EQ(outcome.Error, "");
+    } else {
+      EXPECT_NE(outcome.Error.find(act.Error), std::string::npos) << outcome.Error;
+    }
+    ExpectSafe(outcome.Output + outcome.Error);
+  }
+}
+
 TEST(Host, ShowsOneProgram) {
   const TOutcome shown = RunHost({"show", "--machine", SAMPLE_MACHINE, "tarnhelm"});
   EXPECT_EQ(shown.ExitCode, 0) << shown.Error;

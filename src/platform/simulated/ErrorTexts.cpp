@@ -42,6 +42,7 @@ constexpr TErrorText Texts[] = {
     {145, u"The directory is not empty."},
     {161, u"The specified path is invalid."},
     {183, u"Cannot create a file when that file already exists."},
+    {193, u"%1 is not a valid Win32 application."},
     {203, u"The system could not find the environment option that was entered."},
     {206, u"The filename or extension is too long."},
     {234, u"More data is available."},
