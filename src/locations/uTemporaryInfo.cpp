@@ -38,7 +38,6 @@ std::unique_ptr<TTemporaryInfo> TTemporaryInfo::Clone() const {
   copy->FGUID = FGUID;
   copy->FDisplayName = FDisplayName;
   copy->FKeys = FKeys;
-  copy->FManyKeys = FManyKeys;
   copy->FReleaseType = FReleaseType;
   copy->FParentKeyName = FParentKeyName;
   copy->FParentDisplayName = FParentDisplayName;
@@ -52,10 +51,11 @@ bool TTemporaryInfo::AddKey(TKey AKey) {
       if (SameText(known.Text, AKey.Text)) return false;
     }
   } else {
-    if (FManyKeys.empty()) {
-      for (const TKey& known : FKeys) FManyKeys.insert(known.Text);
+    if (!FManyKeys) {
+      FManyKeys = std::make_unique<std::unordered_set<std::u16string, TTextHash, TTextEqual>>();
+      for (const TKey& known : FKeys) FManyKeys->insert(known.Text);
     }
-    if (!FManyKeys.insert(AKey.Text).second) return false;
+    if (!FManyKeys->insert(AKey.Text).second) return false;
   }
   FKeys.push_back(std::move(AKey));
   return true;
@@ -64,10 +64,9 @@ bool TTemporaryInfo::AddKey(TKey AKey) {
 void TTemporaryList::Expect(std::size_t ACount) {
   const std::size_t total = FInfos.size() + ACount;
   if (total <= FInfos.capacity()) return;
-  // twice as much as is wanted now: several places are read one after another, and a growing index reads itself anew
+  // twice as much as is wanted now: several places are read one after another
   FInfos.reserve(2 * total);
-  FByGuid.reserve(2 * total);
-  FByName.reserve(4 * total);
+  FByName.Reserve(2 * total);
 }
 
 TTemporaryInfo& TTemporaryList::Append(std::unique_ptr<TTemporaryInfo> AInfo) {
@@ -95,7 +94,8 @@ TTemporaryInfo& TTemporaryList::AppendWithoutGuid(std::unique_ptr<TTemporaryInfo
 }
 
 void TTemporaryList::IndexGuid(std::u16string_view AGuid, TTemporaryInfo& AInfo) {
-  if (FByGuid.try_emplace(std::u16string(AGuid), &AInfo).second) AInfo.FIndexedGuids.emplace_back(AGuid);
+  const auto [position, isNew] = FByGuid.Add(AGuid, AInfo.FPosition);
+  if (!isNew && !FInfos[*position]) *position = AInfo.FPosition;
 }
 
 void TTemporaryList::AdoptGuid(std::u16string_view AGuid, TTemporaryInfo& AInfo) {
@@ -108,24 +108,22 @@ void TTemporaryList::AddKey(TTemporaryInfo::TKey AKey, TTemporaryInfo& AInfo) {
   if (AInfo.AddKey(std::move(AKey)) && FHasKeyIndex) IndexKeyText(AInfo.FKeys.back().Text, AInfo.FPosition);
 }
 
-void TTemporaryList::Remove(TTemporaryInfo& AInfo) {
-  for (const std::u16string& guid : AInfo.FIndexedGuids) FByGuid.erase(guid);
-  FInfos[AInfo.FPosition].reset();
-}
+void TTemporaryList::Remove(TTemporaryInfo& AInfo) { FInfos[AInfo.FPosition].reset(); }
 
 void TTemporaryList::Clear() {
-  FByGuid.clear();
-  FByName.clear();
+  FByGuid.Clear();
+  FByName.Clear();
   FByKeyEnd.clear();
   FKeyAnswers.clear();
   FByDigits.clear();
-  FByPair.clear();
+  FByPair.Clear();
   FInfos.clear();
   FHasKeyIndex = FHasDigitIndex = FHasPairIndex = false;
 }
 
 TTemporaryInfo* TTemporaryList::Find(std::u16string_view AGuid, std::u16string_view AName) const {
-  if (const auto found = FByGuid.find(AGuid); found != FByGuid.end()) return found->second;
+  const TPosition* const found = FByGuid.Find(AGuid);
+  if (found != nullptr && FInfos[*found]) return FInfos[*found].get();
   if (AName.empty()) return nullptr;
   return FirstUnder(FByName, AName);
 }
@@ -175,10 +173,9 @@ TTemporaryInfo* TTemporaryList::FindByNameAndGuid(std::u16string_view AName, std
 }
 
 TTemporaryInfo* TTemporaryList::FirstUnder(const TNameIndex& AIndex, std::u16string_view AKey) const {
-  const auto found = AIndex.find(AKey);
-  if (found == AIndex.end()) return nullptr;
-  const TPosition* const position =
-      found->second.Find([this](TPosition APosition) { return FInfos[APosition] != nullptr; });
+  const TFewOf<TPosition>* const found = AIndex.Find(AKey);
+  if (found == nullptr) return nullptr;
+  const TPosition* const position = found->Find([this](TPosition APosition) { return FInfos[APosition] != nullptr; });
   return position == nullptr ? nullptr : FInfos[*position].get();
 }
 

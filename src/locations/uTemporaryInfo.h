@@ -15,6 +15,7 @@
 #include "registry/uKeySnapshot.h"
 #include "support/uFewOf.h"
 #include "support/uText.h"
+#include "support/uTextMap.h"
 
 namespace varcolin {
 
@@ -52,9 +53,8 @@ class TTemporaryInfo {
 
   std::vector<TKey> FKeys;
   /// The key texts again once there are many of them, to find one among them.
-  std::unordered_set<std::u16string, TTextHash, TTextEqual> FManyKeys;
-  std::size_t FPosition = 0;                  ///< in its list
-  std::vector<std::u16string> FIndexedGuids;  ///< that lead to it there
+  std::unique_ptr<std::unordered_set<std::u16string, TTextHash, TTextEqual>> FManyKeys;
+  std::size_t FPosition = 0;  ///< in its list
 };
 
 /// Records in the order found, with an index for every look-up, so that none walks the list. The content of a record
@@ -100,7 +100,7 @@ class TTemporaryList {
   /// Position in the order found; positions of records taken out stay empty.
   using TPosition = std::size_t;
 
-  using TNameIndex = std::unordered_map<std::u16string, TFewOf<TPosition>, TTextHash, TTextEqual>;
+  using TNameIndex = TTextMap<TFewOf<TPosition>>;
 
   /// Texts of records, sorted so that all texts with a given beginning stand together.
   using TPrefixIndex = std::multimap<std::u16string, TPosition, std::less<>>;
@@ -113,9 +113,9 @@ class TTemporaryList {
   void IndexDigits(std::u16string_view AName, TPosition APosition);
 
   std::vector<std::unique_ptr<TTemporaryInfo>> FInfos;
-  std::unordered_map<std::u16string, TTemporaryInfo*, TTextHash, TTextEqual> FByGuid;
-  /// Positions in ascending order for each name; those that are no longer filled are passed over.
-  TNameIndex FByName;
+  // Positions that are no longer filled are passed over.
+  TTextMap<TPosition> FByGuid;
+  TNameIndex FByName;  ///< positions in ascending order for each name
   // The indexes below are built when they are first asked for; most machines never ask.
   bool FHasKeyIndex = false;
   TPrefixIndex FByKeyEnd;  ///< key texts upper-cased and reversed

@@ -8,12 +8,11 @@
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "products/uItemProduct.h"
 #include "support/uFewOf.h"
-#include "support/uText.h"
+#include "support/uTextMap.h"
 
 namespace varcolin {
 
@@ -45,14 +44,15 @@ class TProductList {
   void Expect(std::size_t ACount) {
     const std::lock_guard lock(FLock);
     FItems.reserve(ACount);
-    FByIdentity.reserve(ACount);
-    FByDisplayName.reserve(ACount);
+    FByIdentity.Reserve(ACount);
+    FByDisplayName.Reserve(ACount);
   }
   /// Appends a record, whose identity and display name no longer change.
   void Append(TPointer AItem) {
     const std::lock_guard lock(FLock);
-    AddUnder(FByIdentity, Identity(AItem->FGUID, AItem->FDisplayNameNative, AItem->FLocation), AItem.get());
-    AddUnder(FByDisplayName, AItem->FDisplayName, AItem.get());
+    const TItem* const item = AItem.get();
+    AddUnder(FByIdentity, Identity(AItem->FGUID, AItem->FDisplayNameNative, AItem->FLocation), item);
+    AddUnder(FByDisplayName, AItem->FDisplayName, item);
     FItems.push_back(std::move(AItem));
     FCount = FItems.size();
   }
@@ -109,14 +109,14 @@ class TProductList {
   }
   void Clear() {
     const std::lock_guard lock(FLock);
-    FByIdentity.clear();
-    FByDisplayName.clear();
+    FByIdentity.Clear();
+    FByDisplayName.Clear();
     FItems.clear();
     FCount = 0;
   }
 
  private:
-  using TIndex = std::unordered_map<std::u16string, TFewOf<const TItem*>, TTextHash, TTextEqual>;
+  using TIndex = TTextMap<TFewOf<const TItem*>>;
 
   [[nodiscard]] static std::u16string Identity(std::u16string_view AGuid, std::u16string_view AName,
                                                TTypeUninstallLocation ALocation) {
@@ -127,9 +127,9 @@ class TProductList {
     return key;
   }
   [[nodiscard]] TPointer First(const TIndex& AIndex, std::u16string_view AKey) const {
-    const auto found = AIndex.find(AKey);
-    if (found == AIndex.end()) return nullptr;
-    const auto shared = found->second.First()->shared_from_this();
+    const auto* const found = AIndex.Find(AKey);
+    if (found == nullptr) return nullptr;
+    const auto shared = found->First()->shared_from_this();
     return std::const_pointer_cast<TItem>(std::static_pointer_cast<const TItem>(shared));
   }
   void Forget(const TItem& AItem) {
@@ -137,8 +137,7 @@ class TProductList {
     Unindex(FByDisplayName, AItem.FDisplayName, AItem);
   }
   static void Unindex(TIndex& AIndex, std::u16string_view AKey, const TItem& AItem) {
-    const auto found = AIndex.find(AKey);
-    if (!found->second.Remove(&AItem)) AIndex.erase(found);
+    if (!AIndex.Find(AKey)->Remove(&AItem)) AIndex.Remove(AKey);
   }
 
   std::recursive_mutex FLock;

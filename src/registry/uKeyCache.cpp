@@ -5,20 +5,20 @@
 namespace varcolin {
 
 std::shared_ptr<const TReadKey> TKeyCache::Read(ERegistryRoot ARoot, std::u16string_view APath, std::uint32_t AView) {
-  std::u16string name = NameOf(ARoot, APath, AView);
-  if (const auto known = FKeys.find(name); known != FKeys.end()) return known->second;
+  const std::u16string name = NameOf(ARoot, APath, AView);
+  if (const auto* const known = FKeys.Find(name)) return *known;
   TRegistryKey key;
   if (FRegistry.OpenKey(ARoot, APath, KeyAccess::Read | AView, key) != WinError::Success) return nullptr;
   auto read = std::make_shared<TReadKey>();
-  read->Values = TKeySnapshot::Read(FRegistry, key);
+  read->Values = TKeySnapshot::Read(FRegistry, key, FCollector);
   if (read->Values->MayHaveSubKeys()) {
     read->SubKeys = EnumKeyNames(FRegistry, key, read->Values->SubKeyCount());
   }
-  return FKeys.emplace(std::move(name), std::move(read)).first->second;
+  return *FKeys.Add(name, std::move(read)).first;
 }
 
 void TKeyCache::Forget(ERegistryRoot ARoot, std::u16string_view APath, std::uint32_t AView) {
-  FKeys.erase(NameOf(ARoot, APath, AView));
+  FKeys.Remove(NameOf(ARoot, APath, AView));
 }
 
 std::u16string TKeyCache::NameOf(ERegistryRoot ARoot, std::u16string_view APath, std::uint32_t AView) {

@@ -5,12 +5,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/Registry.h"
 #include "registry/uKeySnapshot.h"
-#include "support/uText.h"
+#include "support/uTextMap.h"
 
 namespace varcolin {
 
@@ -40,7 +39,8 @@ class TKeyCache {
   [[nodiscard]] static std::u16string NameOf(ERegistryRoot ARoot, std::u16string_view APath, std::uint32_t AView);
 
   IRegistry& FRegistry;
-  std::unordered_map<std::u16string, std::shared_ptr<const TReadKey>, TTextHash, TTextEqual> FKeys;
+  TKeySnapshot::TCollector FCollector;
+  TTextMap<std::shared_ptr<const TReadKey>> FKeys;
 };
 
 }  // namespace varcolin

@@ -8,45 +8,51 @@
 #include "support/uText.h"
 
 namespace varcolin {
-namespace {
 
-/// The most that is reserved on the word of a key's facts, which are only a hint.
-constexpr std::uint32_t MaxReservedValues = 256;
+void TKeySnapshot::TCollector::Start() noexcept {
+  FEntries.clear();
+  FNames.clear();
+  FData.clear();
+}
 
-}  // namespace
+void TKeySnapshot::TCollector::Add() {
+  constexpr std::size_t Limit = std::numeric_limits<std::uint32_t>::max();
+  const auto& [name, type, data] = FValue;
+  if (data.size() > Limit - FData.size() || name.size() > Limit - FNames.size()) return;
+  FEntries.push_back({static_cast<std::uint32_t>(FNames.size()), static_cast<std::uint32_t>(name.size()),
+                      static_cast<std::uint32_t>(FData.size()), static_cast<std::uint32_t>(data.size()), type});
+  FNames += name;
+  FData.insert(FData.end(), data.begin(), data.end());
+}
 
-/// Gathers the values of one key until all are known.
-class TKeySnapshot::TCollector {
- public:
-  explicit TCollector(std::uint32_t AExpected) { FEntries.reserve(std::min(AExpected, MaxReservedValues)); }
-
-  /// Passes over a value that would make the key larger than its offsets can tell.
-  void Add(const TRegistryValue& AValue) {
-    constexpr std::size_t Limit = std::numeric_limits<std::uint32_t>::max();
-    if (AValue.Data.size() > Limit - FData.size() || AValue.Name.size() > Limit - FNames.size()) return;
-    FEntries.push_back({static_cast<std::uint32_t>(FNames.size()), static_cast<std::uint32_t>(AValue.Name.size()),
-                        static_cast<std::uint32_t>(FData.size()), static_cast<std::uint32_t>(AValue.Data.size()),
-                        AValue.Type});
-    FNames += AValue.Name;
-    FData.insert(FData.end(), AValue.Data.begin(), AValue.Data.end());
+std::shared_ptr<std::byte> TKeySnapshot::TCollector::Piece(std::size_t ASize) {
+  constexpr std::size_t BlockSize = std::size_t{64} * 1024;
+  const std::size_t size = (ASize + alignof(TEntry) - 1) / alignof(TEntry) * alignof(TEntry);
+  if (size > BlockSize / 4) {
+    const auto own = std::make_shared_for_overwrite<std::byte[]>(size);
+    return {own, own.get()};
   }
-  void MoveTo(TKeySnapshot& ASnapshot) const {
-    const auto entries = std::as_bytes(std::span(FEntries));
-    const auto names = std::as_bytes(std::span(FNames));
-    auto block = std::make_unique<std::byte[]>(entries.size() + names.size() + FData.size());
-    std::ranges::copy(FData, std::ranges::copy(names, std::ranges::copy(entries, block.get()).out).out);
-    ASnapshot.FBlock = std::move(block);
-    ASnapshot.FEntryCount = static_cast<std::uint32_t>(FEntries.size());
-    ASnapshot.FNameUnits = static_cast<std::uint32_t>(FNames.size());
+  if (!FBlock || BlockSize - FBlockUsed < size) {
+    FBlock = std::make_shared_for_overwrite<std::byte[]>(BlockSize);
+    FBlockUsed = 0;
   }
+  std::byte* const piece = FBlock.get() + FBlockUsed;
+  FBlockUsed += size;
+  return {FBlock, piece};
+}
 
- private:
-  std::vector<TEntry> FEntries;
-  std::u16string FNames;
-  std::vector<std::byte> FData;
-};
+void TKeySnapshot::TCollector::CopyTo(TKeySnapshot& ASnapshot) {
+  const auto entries = std::as_bytes(std::span(FEntries));
+  const auto names = std::as_bytes(std::span(FNames));
+  auto piece = Piece(entries.size() + names.size() + FData.size());
+  std::ranges::copy(FData, std::ranges::copy(names, std::ranges::copy(entries, piece.get()).out).out);
+  ASnapshot.FPiece = std::move(piece);
+  ASnapshot.FEntryCount = static_cast<std::uint32_t>(FEntries.size());
+  ASnapshot.FNameUnits = static_cast<std::uint32_t>(FNames.size());
+}
 
-std::shared_ptr<const TKeySnapshot> TKeySnapshot::Read(IRegistry& ARegistry, const TRegistryKey& AKey) {
+std::shared_ptr<const TKeySnapshot> TKeySnapshot::Read(IRegistry& ARegistry, const TRegistryKey& AKey,
+                                                       TCollector& ACollector) {
   auto result = std::make_shared<TKeySnapshot>();
   TRegistryKeyInfo info;
   std::optional<std::uint32_t> count;
@@ -55,14 +61,13 @@ std::shared_ptr<const TKeySnapshot> TKeySnapshot::Read(IRegistry& ARegistry, con
     result->FSubKeyCount = info.SubKeyCount;
     result->FLastWriteTime = info.LastWriteTime;
   }
-  TCollector collector(count.value_or(0));
-  TRegistryValue value;
+  ACollector.Start();
   WalkIndices(count, [&](std::uint32_t AIndex) {
-    const TWinError error = ARegistry.EnumValue(AKey, AIndex, value);
-    if (error == WinError::Success) collector.Add(value);
+    const TWinError error = ARegistry.EnumValue(AKey, AIndex, ACollector.FValue);
+    if (error == WinError::Success) ACollector.Add();
     return error;
   });
-  collector.MoveTo(*result);
+  ACollector.CopyTo(*result);
   result->FValueCount = std::max(count.value_or(0), result->FEntryCount);
   return result;
 }
@@ -71,20 +76,21 @@ std::shared_ptr<const TKeySnapshot> TKeySnapshot::ReadAt(IRegistry& ARegistry, T
                                                          std::u16string_view APath, std::uint32_t AAccess) {
   TRegistryKey key;
   if (ARegistry.OpenKey(ABase, APath, AAccess, key) != WinError::Success) return nullptr;
-  return Read(ARegistry, key);
+  TCollector collector;
+  return Read(ARegistry, key, collector);
 }
 
 std::span<const TKeySnapshot::TEntry> TKeySnapshot::Entries() const noexcept {
-  return {reinterpret_cast<const TEntry*>(FBlock.get()), FEntryCount};
+  return {reinterpret_cast<const TEntry*>(FPiece.get()), FEntryCount};
 }
 
 std::u16string_view TKeySnapshot::NameOf(const TEntry& AEntry) const noexcept {
-  const std::byte* const names = FBlock.get() + Entries().size_bytes();
+  const std::byte* const names = FPiece.get() + Entries().size_bytes();
   return {reinterpret_cast<const char16_t*>(names) + AEntry.NameOffset, AEntry.NameLength};
 }
 
 std::span<const std::byte> TKeySnapshot::DataOf(const TEntry& AEntry) const noexcept {
-  const std::byte* const data = FBlock.get() + Entries().size_bytes() + FNameUnits * sizeof(char16_t);
+  const std::byte* const data = FPiece.get() + Entries().size_bytes() + FNameUnits * sizeof(char16_t);
   return {data + AEntry.DataOffset, AEntry.DataSize};
 }
 

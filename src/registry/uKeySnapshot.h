@@ -21,8 +21,13 @@ class TKeySnapshot {
   /// Kinds of string that a reader accepts.
   enum class EStrings { Plain, PlainOrExpandable };
 
+  /// What gathers the values of one key until all are known. Whoever reads many keys keeps it from one to the next,
+  /// with its memory.
+  class TCollector;
+
   /// Reads AKey. A value that cannot be read is left out; it does not hide the others.
-  [[nodiscard]] static std::shared_ptr<const TKeySnapshot> Read(IRegistry& ARegistry, const TRegistryKey& AKey);
+  [[nodiscard]] static std::shared_ptr<const TKeySnapshot> Read(IRegistry& ARegistry, const TRegistryKey& AKey,
+                                                                TCollector& ACollector);
   /// Opens ABase\APath, reads it and closes it; null when it does not open.
   [[nodiscard]] static std::shared_ptr<const TKeySnapshot> ReadAt(IRegistry& ARegistry, TRegistryBase ABase,
                                                                   std::u16string_view APath, std::uint32_t AAccess);
@@ -58,7 +63,6 @@ class TKeySnapshot {
     std::uint32_t DataSize;
     std::uint32_t Type;
   };
-  class TCollector;
 
   [[nodiscard]] std::span<const TEntry> Entries() const noexcept;
   [[nodiscard]] std::u16string_view NameOf(const TEntry& AEntry) const noexcept;
@@ -66,12 +70,32 @@ class TKeySnapshot {
   [[nodiscard]] const TEntry* Find(std::u16string_view AName) const noexcept;
 
   /// The entries, then the names, then the data: one piece of memory a key, since many keys are held at a time.
-  std::unique_ptr<const std::byte[]> FBlock;
+  std::shared_ptr<const std::byte> FPiece;
   std::uint32_t FEntryCount = 0;
   std::uint32_t FNameUnits = 0;
   std::uint32_t FValueCount = 0;
   std::optional<std::uint32_t> FSubKeyCount;
   std::optional<TFileTime> FLastWriteTime;
+};
+
+class TKeySnapshot::TCollector {
+  friend class TKeySnapshot;
+
+  void Start() noexcept;
+  /// Passes over a value that would make the key larger than its offsets can tell.
+  void Add();
+  void CopyTo(TKeySnapshot& ASnapshot);
+  /// A piece of memory for ASize bytes of entries and what belongs to them.
+  [[nodiscard]] std::shared_ptr<std::byte> Piece(std::size_t ASize);
+
+  TRegistryValue FValue;  ///< the one that was read last
+  std::vector<TEntry> FEntries;
+  std::u16string FNames;
+  std::vector<std::byte> FData;
+  /// Keys that are read together are given back together, mostly: their pieces lie in one block, which lives as long as
+  /// any of them. Small blocks between everything else that a scan keeps would be gaps later.
+  std::shared_ptr<std::byte[]> FBlock;
+  std::size_t FBlockUsed = 0;
 };
 
 }  // namespace varcolin

@@ -5,13 +5,13 @@
 
 namespace varcolin {
 
-void TKeyStore::Put(std::u16string AKeyText, std::shared_ptr<const TKeySnapshot> ASnapshot) {
-  FSnapshots.insert_or_assign(std::move(AKeyText), std::move(ASnapshot));
+void TKeyStore::Put(std::u16string_view AKeyText, std::shared_ptr<const TKeySnapshot> ASnapshot) {
+  *FSnapshots.Add(AKeyText, nullptr).first = std::move(ASnapshot);
 }
 
 std::shared_ptr<const TKeySnapshot> TKeyStore::Find(std::u16string_view AKeyText) const {
-  const auto found = FSnapshots.find(AKeyText);
-  return found == FSnapshots.end() ? nullptr : found->second;
+  const auto* const found = FSnapshots.Find(AKeyText);
+  return found == nullptr ? nullptr : *found;
 }
 
 std::shared_ptr<const TKeySnapshot> TKeyStore::Get(std::u16string_view AKeyText) const {

@@ -2,12 +2,10 @@
 #pragma once
 
 #include <memory>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "registry/uKeySnapshot.h"
-#include "support/uText.h"
+#include "support/uTextMap.h"
 
 namespace varcolin {
 
@@ -23,7 +21,7 @@ class TKeyStore {
   [[nodiscard]] IRegistry& Registry() const noexcept { return FRegistry; }
 
   /// Deposits what the key with this text held.
-  void Put(std::u16string AKeyText, std::shared_ptr<const TKeySnapshot> ASnapshot);
+  void Put(std::u16string_view AKeyText, std::shared_ptr<const TKeySnapshot> ASnapshot);
   /// What was deposited; null when nothing was.
   [[nodiscard]] std::shared_ptr<const TKeySnapshot> Find(std::u16string_view AKeyText) const;
   /// What was deposited, or else a fresh reading of the key (which is not deposited); null when it does not open.
@@ -31,7 +29,7 @@ class TKeyStore {
 
  private:
   IRegistry& FRegistry;
-  std::unordered_map<std::u16string, std::shared_ptr<const TKeySnapshot>, TTextHash, TTextEqual> FSnapshots;
+  TTextMap<std::shared_ptr<const TKeySnapshot>> FSnapshots;
 };
 
 }  // namespace varcolin

@@ -1,6 +1,7 @@
 // Walking over what a registry key enumerates by index.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -25,7 +26,9 @@ void WalkIndices(std::optional<std::uint32_t> ACount, TStep AStep) {
 /// be read is left out.
 [[nodiscard]] inline std::vector<std::u16string> EnumKeyNames(IRegistry& ARegistry, const TRegistryKey& AKey,
                                                               std::optional<std::uint32_t> ACount) {
+  constexpr std::uint32_t MaxReserved = 65'536;  // the number is only a hint
   std::vector<std::u16string> names;
+  names.reserve(std::min(ACount.value_or(0), MaxReserved));
   std::u16string name;
   WalkIndices(ACount, [&](std::uint32_t AIndex) {
     const TWinError error = ARegistry.EnumKey(AKey, AIndex, name);

@@ -2,7 +2,11 @@
 #pragma once
 
 #include <algorithm>
+#include <memory>
+#include <string_view>
 #include <vector>
+
+#include "support/uTextMap.h"
 
 namespace varcolin {
 
@@ -14,15 +18,18 @@ class TFewOf {
   explicit TFewOf(T AFirst) : FFirst(AFirst) {}
 
   [[nodiscard]] const T& First() const noexcept { return FFirst; }
-  void Add(T AElement) { FLater.push_back(AElement); }
+  void Add(T AElement) {
+    if (!FLater) FLater = std::make_unique<std::vector<T>>();
+    FLater->push_back(AElement);
+  }
   /// Removes an element; false, with nothing done, when it is the only one.
   [[nodiscard]] bool Remove(const T& AElement) {
     if (FFirst == AElement) {
-      if (FLater.empty()) return false;
-      FFirst = FLater.front();
-      FLater.erase(FLater.begin());
-    } else {
-      std::erase(FLater, AElement);
+      if (!FLater || FLater->empty()) return false;
+      FFirst = FLater->front();
+      FLater->erase(FLater->begin());
+    } else if (FLater) {
+      std::erase(*FLater, AElement);
     }
     return true;
   }
@@ -30,20 +37,21 @@ class TFewOf {
   template <class TIsWanted>
   [[nodiscard]] const T* Find(TIsWanted AIsWanted) const {
     if (AIsWanted(FFirst)) return &FFirst;
-    const auto found = std::find_if(FLater.begin(), FLater.end(), AIsWanted);
-    return found == FLater.end() ? nullptr : &*found;
+    if (!FLater) return nullptr;
+    const auto found = std::find_if(FLater->begin(), FLater->end(), AIsWanted);
+    return found == FLater->end() ? nullptr : &*found;
   }
 
  private:
   T FFirst;
-  std::vector<T> FLater;
+  std::unique_ptr<std::vector<T>> FLater;  ///< null while there is one
 };
 
-/// Adds an element to the list under a key of a map of such lists.
-template <class TMap, class TKey, class T>
-void AddUnder(TMap& AMap, TKey&& AKey, T AElement) {
-  const auto [entry, isNew] = AMap.try_emplace(std::forward<TKey>(AKey), AElement);
-  if (!isNew) entry->second.Add(AElement);
+/// Adds an element to the list under a text of a map of such lists.
+template <class T>
+void AddUnder(TTextMap<TFewOf<T>>& AMap, std::u16string_view AText, T AElement) {
+  const auto [list, isNew] = AMap.Add(AText, TFewOf<T>(AElement));
+  if (!isNew) list->Add(AElement);
 }
 
 }  // namespace varcolin
