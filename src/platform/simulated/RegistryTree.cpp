@@ -87,26 +87,50 @@ void TValueList::Clear() noexcept {
   FItems.clear();
 }
 
+void TDisposeNode::operator()(TRegistryNode* ANode) const noexcept {
+  std::pmr::polymorphic_allocator<>(ANode->Name.get_allocator().resource()).delete_object(ANode);
+}
+
+TRegistryNodePtr TRegistryNode::Make(std::pmr::memory_resource& AMemory, TRegistryNode* AParent,
+                                     std::u16string_view AName, TFileTime ATime) {
+  std::pmr::polymorphic_allocator<> allocator(&AMemory);
+  return TRegistryNodePtr(allocator.new_object<TRegistryNode>(AMemory, AParent, AName, ATime));
+}
+
 int TRegistryNode::TCompareNames::operator()(const TRegistryNodePtr& AChild, std::u16string_view AName) const noexcept {
   return CompareText(AChild->Name, AName);
 }
 
 TRegistryNode* TRegistryNode::FindChild(std::u16string_view AName) const {
-  const TRegistryNodePtr* found = FChildren.Find(AName);
+  if (!FChildren) return nullptr;
+  const TRegistryNodePtr* found = FChildren->Sorted.Find(AName);
   return found == nullptr ? nullptr : found->get();
 }
 
+std::size_t TRegistryNode::LongestChildName() const {
+  if (!FChildren) return 0;
+  if (!FChildren->LongestName) {
+    std::size_t longest = 0;
+    ForEachChild([&](const TRegistryNode& AChild) { longest = std::max(longest, AChild.Name.size()); });
+    FChildren->LongestName = longest;
+  }
+  return *FChildren->LongestName;
+}
+
 TRegistryNode& TRegistryNode::AddChild(std::u16string_view AName, TFileTime ATime) {
-  auto child = std::make_unique<TRegistryNode>(this, AName, ATime);
+  auto child = Make(*Name.get_allocator().resource(), this, AName, ATime);
   TRegistryNode& result = *child;
-  FChildren.Insert(AName, std::move(child));
+  if (!FChildren) FChildren = std::make_unique<TChildren>();
+  FChildren->Sorted.Insert(AName, std::move(child));
+  if (FChildren->LongestName) FChildren->LongestName = std::max(*FChildren->LongestName, AName.size());
   ++Version;
   return result;
 }
 
 TRegistryNodePtr TRegistryNode::TakeChild(std::u16string_view AName) {
   ++Version;
-  TRegistryNodePtr child = FChildren.Take(AName);
+  TRegistryNodePtr child = FChildren->Sorted.Take(AName);
+  if (FChildren->LongestName == child->Name.size()) FChildren->LongestName.reset();
   child->Parent = nullptr;
   return child;
 }

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <memory_resource>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -84,31 +86,40 @@ class TValueList {
 };
 
 struct TRegistryNode;
-using TRegistryNodePtr = std::unique_ptr<TRegistryNode>;
+struct TDisposeNode {
+  void operator()(TRegistryNode* ANode) const noexcept;
+};
+using TRegistryNodePtr = std::unique_ptr<TRegistryNode, TDisposeNode>;
 
-/// One key.
+/// One key. All keys of a registry and their names take their memory from one resource, which outlives them: they lie
+/// close together, apart from the values, since a walk over the subkeys of a key touches them in an order of its own.
 struct TRegistryNode {
   static constexpr std::size_t MaxNameLength = 255;
   static constexpr std::size_t MaxDepth = 512;
 
-  TRegistryNode(TRegistryNode* AParent, std::u16string_view AName, TFileTime ATime)
-      : Parent(AParent), Name(AName), LastWriteTime(ATime) {}
+  TRegistryNode(std::pmr::memory_resource& AMemory, TRegistryNode* AParent, std::u16string_view AName, TFileTime ATime)
+      : Parent(AParent), Name(AName, &AMemory), LastWriteTime(ATime) {}
+
+  [[nodiscard]] static TRegistryNodePtr Make(std::pmr::memory_resource& AMemory, TRegistryNode* AParent,
+                                             std::u16string_view AName, TFileTime ATime);
 
   /// Null when there is none.
   [[nodiscard]] TRegistryNode* FindChild(std::u16string_view AName) const;
-  [[nodiscard]] std::size_t ChildCount() const noexcept { return FChildren.Count(); }
-  [[nodiscard]] TRegistryNode& ChildAt(std::size_t AIndex) const { return *FChildren.At(AIndex); }
+  [[nodiscard]] std::size_t ChildCount() const noexcept { return FChildren ? FChildren->Sorted.Count() : 0; }
+  [[nodiscard]] TRegistryNode& ChildAt(std::size_t AIndex) const { return *FChildren->Sorted.At(AIndex); }
+  /// The length of the longest name of a child; 0 without children.
+  [[nodiscard]] std::size_t LongestChildName() const;
   /// Adds a key that is not there yet.
   TRegistryNode& AddChild(std::u16string_view AName, TFileTime ATime);
   /// Removes a key that is there.
   [[nodiscard]] TRegistryNodePtr TakeChild(std::u16string_view AName);
   template <class TVisitor>
   void ForEachChild(TVisitor AVisitor) const {
-    FChildren.ForEach([&](const TRegistryNodePtr& AChild) { AVisitor(*AChild); });
+    if (FChildren) FChildren->Sorted.ForEach([&](const TRegistryNodePtr& AChild) { AVisitor(*AChild); });
   }
 
   TRegistryNode* Parent;  ///< null for the root and for a removed key
-  std::u16string Name;
+  const std::pmr::u16string Name;
   TValueList Values;
   TFileTime LastWriteTime;
   std::uint32_t Version = 0;       ///< grows with every change of the key's own subkeys and values
@@ -123,7 +134,12 @@ struct TRegistryNode {
     int operator()(const TRegistryNodePtr& AChild, std::u16string_view AName) const noexcept;
   };
 
-  TOrderedList<TRegistryNodePtr, TCompareNames> FChildren;
+  struct TChildren {
+    TOrderedList<TRegistryNodePtr, TCompareNames> Sorted;
+    std::optional<std::size_t> LongestName = 0;  ///< none when it is to be found out anew
+  };
+
+  std::unique_ptr<TChildren> FChildren;  ///< null until the first: most keys have none
 };
 
 }  // namespace varcolin

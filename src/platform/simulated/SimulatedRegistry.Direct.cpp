@@ -32,7 +32,7 @@ void TSimulatedRegistry::SignalWatches(const TRegistryNode& ANode, std::uintptr_
 
 // Takes a key without subkeys out of the tree; open handles keep it in memory.
 void TSimulatedRegistry::DropChild(TRegistryNode& AParent, std::u16string_view AName) {
-  std::unique_ptr<TRegistryNode> node = AParent.TakeChild(AName);
+  TRegistryNodePtr node = AParent.TakeChild(AName);
   node->Removed = true;
   node->Values.Clear();
   ++node->Version;

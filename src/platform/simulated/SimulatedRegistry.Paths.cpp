@@ -56,7 +56,7 @@ bool HasLongName(std::u16string_view APath) {
 
 void TSimulatedRegistry::BuildFixedKeys() {
   const TFileTime now = FClock.Now();
-  FRoot = std::make_unique<TRegistryNode>(nullptr, u"", now);
+  FRoot = TRegistryNode::Make(FKeyMemory, nullptr, u"", now);
   FMachine = &FRoot->AddChild(RegistryLayout::Machine, now);
   FUsers = &FRoot->AddChild(RegistryLayout::Users, now);
   FUser = &FUsers->AddChild(FFacts.UserSid, now);

@@ -150,20 +150,20 @@ TWinError TSimulatedRegistry::QueryKeyInfo(const TRegistryKey& AKey, TRegistryKe
   TOpenKey* open = nullptr;
   if (const TWinError error = Access(AKey, KeyAccess::QueryValue, open); error != WinError::Success) return error;
   TRegistryKeyInfo info;
-  const auto countKey = [&](const TRegistryNode& AChild) {
-    ++info.SubKeyCount;
-    info.MaxSubKeyLength = std::max(info.MaxSubKeyLength, static_cast<std::uint32_t>(AChild.Name.size()));
-  };
   const auto countValue = [&](const TStoredValue& AValue) {
     ++info.ValueCount;
     info.MaxValueNameLength = std::max(info.MaxValueNameLength, static_cast<std::uint32_t>(AValue.Name().size()));
     info.MaxValueDataSize = std::max(info.MaxValueDataSize, static_cast<std::uint32_t>(AValue.Data().size()));
   };
   if (open->Shadow != nullptr) {
-    for (const TRegistryNode* key : open->Merged->Keys) countKey(*key);
+    info.SubKeyCount = static_cast<std::uint32_t>(open->Merged->Keys.size());
+    for (const TRegistryNode* key : open->Merged->Keys) {
+      info.MaxSubKeyLength = std::max(info.MaxSubKeyLength, static_cast<std::uint32_t>(key->Name.size()));
+    }
     for (const TStoredValue* value : open->Merged->Values) countValue(*value);
   } else {
-    open->Node->ForEachChild(countKey);
+    info.SubKeyCount = static_cast<std::uint32_t>(open->Node->ChildCount());
+    info.MaxSubKeyLength = static_cast<std::uint32_t>(open->Node->LongestChildName());
     for (std::size_t i = 0; i < open->Node->Values.Count(); ++i) countValue(open->Node->Values.At(i));
   }
   info.LastWriteTime = open->Node->LastWriteTime;

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <memory_resource>
 #include <mutex>
 #include <span>
 #include <string>
@@ -16,13 +17,11 @@
 #include <vector>
 
 #include "platform/Registry.h"
+#include "platform/simulated/RegistryTree.h"
 #include "platform/simulated/SimulatedClock.h"
 #include "platform/simulated/SimulatedSync.h"
 
 namespace varcolin {
-
-struct TRegistryNode;
-class TStoredValue;
 
 struct TSimulatedRegistryFacts {
   bool Is64BitWindows = true;
@@ -167,7 +166,8 @@ class TSimulatedRegistry final : public IWritableRegistry {
   TSimulatedSync& FSync;
   const TSimulatedRegistryFacts FFacts;
   std::mutex FMutex;
-  std::unique_ptr<TRegistryNode> FRoot;
+  std::pmr::unsynchronized_pool_resource FKeyMemory;
+  TRegistryNodePtr FRoot;
   TRegistryNode* FMachine = nullptr;
   TRegistryNode* FUsers = nullptr;
   TRegistryNode* FUser = nullptr;         // the current user's key below FUsers
@@ -175,7 +175,7 @@ class TSimulatedRegistry final : public IWritableRegistry {
   std::uintptr_t FLastHandle = 0;
   std::unordered_map<std::uintptr_t, TOpenKey> FOpen;
   std::unordered_multimap<const TRegistryNode*, TWatch> FWatches;
-  std::unordered_map<const TRegistryNode*, std::unique_ptr<TRegistryNode>> FRemoved;  // removed, but still open
+  std::unordered_map<const TRegistryNode*, TRegistryNodePtr> FRemoved;  // removed, but still open
   std::vector<TRegistryChange> FChanges;
 };
 
