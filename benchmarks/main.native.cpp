@@ -78,7 +78,7 @@ double DiscoveryCalls() {
 
 /// The time of 50,000 programs against that of ten times 5,000.
 double DiscoveryGrowth() {
-  constexpr int Rounds = 5;
+  constexpr int Rounds = 9;
   constexpr std::size_t Smaller = 5'000;
   constexpr int Factor = 10;
   std::unique_ptr<TFilledMachine> machine;
