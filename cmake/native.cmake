@@ -1,11 +1,12 @@
 # The native target: the library over a simulated Windows machine, and everything that only a native build allows.
 find_package(nlohmann_json REQUIRED)
+find_package(pugixml REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(GTest REQUIRED)
 
 file(GLOB SOURCES CONFIGURE_DEPENDS src/platform/simulated/*.cpp)
 add_library(platform STATIC ${SOURCES})
-target_link_libraries(platform PUBLIC support PRIVATE nlohmann_json::nlohmann_json)
+target_link_libraries(platform PUBLIC support PRIVATE nlohmann_json::nlohmann_json pugixml::pugixml)
 file(GLOB SOURCES CONFIGURE_DEPENDS src/platform/decorators/*.cpp)
 if(SOURCES)
   add_library(decorators STATIC ${SOURCES})

@@ -21,6 +21,7 @@
 #include "platform/Sync.h"
 #include "platform/SystemFacts.h"
 #include "platform/TopWindows.h"
+#include "platform/Xml.h"
 #include "products/uExecuteActionThread.h"
 #include "products/uItemProductIntf.h"
 #include "products/uItemProgram.h"
@@ -51,6 +52,7 @@ void NothingToUnload() noexcept {}
 void LoadLocations(const TMachine& AMachine) {
   TLocationUninstall::Load(AMachine.Registry, AMachine.Sync, AMachine.Com);
   TLocationRegistryUninstall::Load(AMachine.Registry);
+  TLocationVistaUpdate::Load(AMachine.Registry, AMachine.Files, AMachine.Com, AMachine.Xml);
   TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationExeInfo>(); });
   TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationRegistryUninstall>(); });
   TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationVistaUpdate>(); });
@@ -59,6 +61,7 @@ void LoadLocations(const TMachine& AMachine) {
 void UnloadLocations() noexcept {
   TLocationUninstall::Unload();
   TLocationRegistryUninstall::Unload();
+  TLocationVistaUpdate::Unload();
 }
 
 /// Each row may use the rows above it.

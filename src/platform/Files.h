@@ -39,11 +39,26 @@ struct TFoundFile {
   TFileFacts Facts;
 };
 
+/// What a folder watch listens to.
+namespace FileNotify {
+inline constexpr std::uint32_t FileName = 0x01;    ///< files appear, vanish and are renamed
+inline constexpr std::uint32_t FolderName = 0x02;  ///< folders do
+inline constexpr std::uint32_t Attributes = 0x04;
+inline constexpr std::uint32_t Size = 0x08;
+inline constexpr std::uint32_t LastWrite = 0x10;
+}  // namespace FileNotify
+
 struct TFindTag {};
+struct TFolderWatchTag {
+  static constexpr bool IsWaitable = true;
+};
 class IFiles;
 
 /// A walk over a folder's entries.
 using TFindHandle = THandle<IFiles, TFindTag>;
+/// A watch on a folder. It is waited for through ISync, and stays signalled from the first change on until it is armed
+/// anew.
+using TFolderWatch = THandle<IFiles, TFolderWatchTag>;
 
 /// Reading of files and folders: code that only looks gets this.
 class IFiles {
@@ -76,8 +91,19 @@ class IFiles {
   /// Windows: Wow64RevertWow64FsRedirection.
   [[nodiscard]] virtual TWinError RevertRedirection(std::uintptr_t AOldValue) = 0;
 
+  /// Starts a watch on the folder at APath, and on what lies below it when ASubtree. AFilter: FileNotify bits. Changes
+  /// of the folder's entries count, not those of the folder itself. Fails when there is no such folder. Windows:
+  /// FindFirstChangeNotificationW.
+  [[nodiscard]] virtual TWinError WatchFolder(std::u16string_view APath, bool ASubtree, std::uint32_t AFilter,
+                                              TFolderWatch& AWatch) = 0;
+  /// Waits for the next change; one that came since the watch was signalled counts as one. Fails when the folder is
+  /// gone. Windows: FindNextChangeNotification.
+  [[nodiscard]] virtual TWinError RearmWatch(const TFolderWatch& AWatch) = 0;
+
   /// Ends a walk; called by TFindHandle. Windows: FindClose.
   virtual void CloseValue(TFindTag, std::uintptr_t AHandle) noexcept = 0;
+  /// Ends a watch; called by TFolderWatch. Windows: FindCloseChangeNotification.
+  virtual void CloseValue(TFolderWatchTag, std::uintptr_t AWatch) noexcept = 0;
 };
 
 /// Reading and writing of files and folders.

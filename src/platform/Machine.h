@@ -16,6 +16,7 @@ class IProcessStart;
 class ITopWindows;
 class IMessageBoxes;
 class ICom;
+class IXml;
 
 /// References to the facilities of one machine, which outlives them.
 struct TMachine {
@@ -31,6 +32,7 @@ struct TMachine {
   ITopWindows& Windows;
   IMessageBoxes& Messages;
   ICom& Com;
+  IXml& Xml;
 };
 
 }  // namespace varcolin

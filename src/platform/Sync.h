@@ -8,7 +8,9 @@
 
 namespace varcolin {
 
-struct TEventTag {};
+struct TEventTag {
+  static constexpr bool IsWaitable = true;
+};
 struct TMutexTag {};
 class ISync;
 
@@ -16,6 +18,20 @@ class ISync;
 using TEvent = THandle<ISync, TEventTag>;
 /// A named mutex that is kept to show other processes that it exists; it is never waited for.
 using TNamedMutex = THandle<ISync, TMutexTag>;
+
+/// What a thread can wait for: an event, or another facility's handle whose tag says that it is waitable. It refers to
+/// the handle without owning it.
+class TWaitable {
+ public:
+  template <class TFacility, class TTag>
+  requires(TTag::IsWaitable) TWaitable(const THandle<TFacility, TTag>& AHandle)
+  noexcept : FValue(AHandle.Value()) {}
+
+  [[nodiscard]] std::uintptr_t Value() const noexcept { return FValue; }
+
+ private:
+  std::uintptr_t FValue;
+};
 
 class ISync {
  public:
@@ -29,6 +45,9 @@ class ISync {
   virtual void ResetSignal(const TEvent& AEvent) noexcept = 0;
   /// Waits until AEvent is signalled, for at most ATimeout milliseconds (0: only looks). Windows: WaitForSingleObject.
   [[nodiscard]] virtual EWaitResult WaitForEvent(const TEvent& AEvent, std::uint32_t ATimeout) = 0;
+  /// The same until any one of them is signalled; Failed for more than 64, for none, and for one that is no such
+  /// handle. Windows: WaitForMultipleObjects.
+  [[nodiscard]] virtual EWaitResult WaitForAny(std::span<const TWaitable> AHandles, std::uint32_t ATimeout) = 0;
   /// Lets ATime milliseconds pass for the calling thread. Windows: Sleep.
   virtual void SleepFor(std::uint32_t ATime) = 0;
   /// Milliseconds since the system started, modulo 2^32. Windows: GetTickCount.

@@ -1,7 +1,11 @@
 #include "products/uItemUpdate.h"
 
+#include <utility>
+
 #include "products/uItemProgram.h"
+#include "services/uDLLGlobals.h"
 #include "services/uDLLStringsLocalized.h"
+#include "services/uFileUtils.h"
 #include "support/uAxWinVersionInfo.h"
 #include "support/uFormat.h"
 #include "support/uText.h"
@@ -41,9 +45,45 @@ TItemUpdate::TItemUpdate(TTypeUninstallLocation ALoc) : TItemProduct(ALoc) { FIc
 
 void TItemUpdate::DoReadFastInfo(const TKeyStore& AKeys) {
   TItemProduct::DoReadFastInfo(AKeys);
+  if (FLocation == TTypeUninstallLocation::ulVistaUpdate) ReadPackage(AKeys);
   if (FReleaseType == TReleaseType::rtNone) FReleaseType = TReleaseType::rtUpdate;
   NameItself();
   if (FParentDisplayName.empty()) FParentDisplayName = TextOf(WinVersionInfo::WindowsVersion());
+}
+
+void TItemUpdate::ReadPackage(const TKeyStore& AKeys) {
+  if (const auto manifest = std::exchange(FManifest, nullptr)) {
+    FDisplayName = manifest->DisplayName;
+    FComments = manifest->Description;
+    FPublisher = manifest->Company;
+    FURLHelpLink = manifest->SupportInformation;
+    if (manifest->Identifier) {
+      FReleaseType = DLLGlobals::DecodeReleaseType(manifest->ReleaseTypeName.value_or(u""));
+      FKBID = *manifest->Identifier;
+    }
+    FUpdateID = manifest->IdentityName.value_or(u"");
+    FDisplayVersion = manifest->Version;
+    if (!manifest->Language.empty()) FLanguage = DLLGlobals::LocaleIDToString(manifest->Language);
+  }
+  for (const std::u16string& keyText : FRegistryKeys) {
+    const auto values = AKeys.Get(keyText);
+    if (!values) continue;
+    if (auto folder = values->Text(u"InstallLocation", TKeySnapshot::EStrings::PlainOrExpandable)) {
+      FInstallLocation = *std::move(folder);
+    }
+    const auto high = values->Number(u"InstallTimeHigh");
+    const auto low = values->Number(u"InstallTimeLow");
+    if (high && low) FInstallDate = DLLGlobals::FileTimeToDateTime(TFileTime{std::uint64_t{*high} << 32 | *low});
+  }
+}
+
+std::u16string TItemUpdate::GetActionCommand(TPossibleActions AAction) const {
+  if (FLocation != TTypeUninstallLocation::ulVistaUpdate) return TItemProduct::GetActionCommand(AAction);
+  if (AAction != TPossibleActions::paUninstall) return {};
+  // the package manager serves packages of its own width only
+  return Format(
+      u"%spkgmgr.exe /up:%s",
+      {WinVersionInfo::IsWow64Process() ? FileUtils::WinSystemX64() : FileUtils::WinSystemX32(), FPackageCode});
 }
 
 void TItemUpdate::NameItself() {

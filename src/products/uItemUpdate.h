@@ -3,9 +3,12 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "products/uIconLists.h"
 #include "products/uItemProduct.h"
+#include "products/uManifest.h"
 #include "products/uProductList.h"
 
 namespace varcolin {
@@ -18,6 +21,11 @@ class TItemUpdate final : public TItemProduct {
   static void Unload() noexcept;
   [[nodiscard]] static TProductList<TItemUpdate>& List() noexcept;
   [[nodiscard]] static TIconLists& Icons() noexcept;
+  /// The first update with this package code, without regard to case; null when there is none.
+  [[nodiscard]] static std::shared_ptr<TItemUpdate> ItemByCode(std::u16string_view ACode,
+                                                               TTypeUninstallLocation ALocation) {
+    return List().FindByCode(ACode, ALocation);
+  }
 
   explicit TItemUpdate(TTypeUninstallLocation ALoc);
   ~TItemUpdate() override { StopActionThread(); }
@@ -27,8 +35,17 @@ class TItemUpdate final : public TItemProduct {
     return FUpdateID.empty() ? FGUID : FUpdateID;
   }
 
-  // Guarded by the item lock once the record is published.
+  [[nodiscard]] std::u16string GetActionCommand(TPossibleActions AAction) const override;
+
+  /// What the package's manifest says, for the reading of the fast information, which uses it up; component updates
+  /// only.
+  std::unique_ptr<const TManifest> FManifest;
+
+  // Identity: as that of every product.
   std::u16string FPackageCode;  ///< servicing package; empty for registry updates
+
+  // Guarded by the item lock once the record is published.
+  std::vector<std::u16string> FFileNames;  ///< paths of the package's manifest
   TReleaseType FReleaseType = TReleaseType::rtNone;
   std::u16string FParentKeyName;      ///< uninstall key name of the program that the update belongs to
   std::u16string FParentDisplayName;  ///< that program's display name, or the Windows version
@@ -41,6 +58,7 @@ class TItemUpdate final : public TItemProduct {
 
  private:
   struct TState;
+  void ReadPackage(const TKeyStore& AKeys);
   void NameItself();
 
   static std::unique_ptr<TState> FState;

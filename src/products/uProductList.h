@@ -51,7 +51,7 @@ class TProductList {
   void Append(TPointer AItem) {
     const std::lock_guard lock(FLock);
     const TItem* const item = AItem.get();
-    AddUnder(FByIdentity, Identity(AItem->FGUID, AItem->FDisplayNameNative, AItem->FLocation), item);
+    AddUnder(FByIdentity, IdentityOf(*AItem), item);
     AddUnder(FByDisplayName, AItem->FDisplayName, item);
     FItems.push_back(std::move(AItem));
     FCount = FItems.size();
@@ -60,6 +60,11 @@ class TProductList {
   [[nodiscard]] TPointer Find(std::u16string_view AGuid, std::u16string_view AName, TTypeUninstallLocation ALocation) {
     const std::lock_guard lock(FLock);
     return First(FByIdentity, Identity(AGuid, AName, ALocation));
+  }
+  /// The first record with this package code; null when there is none. Records with a code are found by it alone.
+  [[nodiscard]] TPointer FindByCode(std::u16string_view ACode, TTypeUninstallLocation ALocation) {
+    const std::lock_guard lock(FLock);
+    return First(FByIdentity, CodeIdentity(ACode, ALocation));
   }
   /// The first record with this display name; null when there is none.
   [[nodiscard]] TPointer FindByDisplayName(std::u16string_view AName) {
@@ -126,6 +131,16 @@ class TProductList {
     key.append(AName);
     return key;
   }
+  /// No GUID begins with a NUL.
+  [[nodiscard]] static std::u16string CodeIdentity(std::u16string_view ACode, TTypeUninstallLocation ALocation) {
+    return Identity({u"\0code", 5}, ACode, ALocation);
+  }
+  [[nodiscard]] static std::u16string IdentityOf(const TItem& AItem) {
+    if constexpr (requires { AItem.FPackageCode; }) {
+      if (!AItem.FPackageCode.empty()) return CodeIdentity(AItem.FPackageCode, AItem.FLocation);
+    }
+    return Identity(AItem.FGUID, AItem.FDisplayNameNative, AItem.FLocation);
+  }
   [[nodiscard]] TPointer First(const TIndex& AIndex, std::u16string_view AKey) const {
     const auto* const found = AIndex.Find(AKey);
     if (found == nullptr) return nullptr;
@@ -133,7 +148,7 @@ class TProductList {
     return std::const_pointer_cast<TItem>(std::static_pointer_cast<const TItem>(shared));
   }
   void Forget(const TItem& AItem) {
-    Unindex(FByIdentity, Identity(AItem.FGUID, AItem.FDisplayNameNative, AItem.FLocation), AItem);
+    Unindex(FByIdentity, IdentityOf(AItem), AItem);
     Unindex(FByDisplayName, AItem.FDisplayName, AItem);
   }
   static void Unindex(TIndex& AIndex, std::u16string_view AKey, const TItem& AItem) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <vector>
 
 #include "contract/MachineUnderTest.h"
 #include "platform/Sync.h"
@@ -31,6 +32,24 @@ TEST_F(SyncContract, EventStaysSignalledUntilReset) {
   ASSERT_EQ(Sync.MakeEvent(true, event), WinError::Success);
   EXPECT_EQ(Sync.WaitForEvent(event, 0), EWaitResult::Signaled);
   EXPECT_EQ(Sync.WaitForEvent(TEvent(), 0), EWaitResult::Failed);
+}
+
+TEST_F(SyncContract, WaitsForAnyOfSeveral) {
+  TEvent events[2];
+  for (TEvent& event : events) ASSERT_EQ(Sync.MakeEvent(false, event), WinError::Success);
+  const TWaitable both[] = {events[0], events[1]};
+  EXPECT_EQ(Sync.WaitForAny(both, 0), EWaitResult::TimedOut);
+  EXPECT_EQ(Sync.WaitForAny(both, 1), EWaitResult::TimedOut);
+  std::thread signaller([&] { Sync.SignalEvent(events[1]); });
+  EXPECT_EQ(Sync.WaitForAny(both, WaitForever), EWaitResult::Signaled);
+  signaller.join();
+  EXPECT_EQ(Sync.WaitForAny(both, 0), EWaitResult::Signaled) << "an event stays signalled";
+  EXPECT_EQ(Sync.WaitForAny({both, 1}, 0), EWaitResult::TimedOut) << "the other one was not asked for";
+
+  EXPECT_EQ(Sync.WaitForAny({}, 0), EWaitResult::Failed);
+  EXPECT_EQ(Sync.WaitForAny(std::vector<TWaitable>(65, both[0]), 0), EWaitResult::Failed);
+  const TWaitable withNone[] = {events[0], TEvent()};
+  EXPECT_EQ(Sync.WaitForAny(withNone, 0), EWaitResult::Failed);
 }
 
 TEST_F(SyncContract, SignalReachesEveryWaitingThread) {

@@ -52,7 +52,15 @@ class TForwardingFiles : public TForwarding<IWritableFiles> {
   [[nodiscard]] TWinError SetAttributes(std::u16string_view APath, std::uint32_t AAttributes) override {
     return Change("SetAttributes", APath, [&] { return Inner().SetAttributes(APath, AAttributes); });
   }
+  [[nodiscard]] TWinError WatchFolder(std::u16string_view APath, bool ASubtree, std::uint32_t AFilter,
+                                      TFolderWatch& AWatch) override {
+    return Look("WatchFolder", APath, [&] { return Inner().WatchFolder(APath, ASubtree, AFilter, AWatch); });
+  }
+  [[nodiscard]] TWinError RearmWatch(const TFolderWatch& AWatch) override {
+    return Look("RearmWatch", {}, [&] { return Inner().RearmWatch(AWatch); });
+  }
   void CloseValue(TFindTag ATag, std::uintptr_t AHandle) noexcept override { Inner().CloseValue(ATag, AHandle); }
+  void CloseValue(TFolderWatchTag ATag, std::uintptr_t AWatch) noexcept override { Inner().CloseValue(ATag, AWatch); }
 };
 
 }  // namespace varcolin

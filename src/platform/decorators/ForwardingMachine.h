@@ -7,11 +7,13 @@
 #include "platform/decorators/ForwardingPrograms.h"
 #include "platform/decorators/ForwardingRegistry.h"
 #include "platform/decorators/ForwardingSystem.h"
+#include "platform/decorators/ForwardingXml.h"
 
 namespace varcolin {
 
 /// Puts a gate in front of a machine's registry, files, system facts, modules, shell, icons, processes, program
-/// starts and windows. Waiting, message boxes and COM pass as they are. The inner machine and the gate outlive it.
+/// starts, windows and XML parser. Waiting, message boxes and COM pass as they are. The inner machine and the gate
+/// outlive it.
 class TForwardingMachine {
  public:
   TForwardingMachine(const TMachine& AInner, ICallGate& AGate)
@@ -24,11 +26,12 @@ class TForwardingMachine {
         FIcons(AInner.Icons, AGate),
         FProcesses(AInner.Processes, AGate),
         FStarts(AInner.Starts, AGate),
-        FWindows(AInner.Windows, AGate) {}
+        FWindows(AInner.Windows, AGate),
+        FXml(AInner.Xml, AGate) {}
 
   [[nodiscard]] TMachine Facilities() noexcept {
-    return {FInner.Sync, FRegistry,  FFiles,  FSystem,  FModules,        FShell,
-            FIcons,      FProcesses, FStarts, FWindows, FInner.Messages, FInner.Com};
+    return {FInner.Sync, FRegistry, FFiles,   FSystem,         FModules,   FShell, FIcons,
+            FProcesses,  FStarts,   FWindows, FInner.Messages, FInner.Com, FXml};
   }
 
  private:
@@ -42,6 +45,7 @@ class TForwardingMachine {
   TForwardingProcesses FProcesses;
   TForwardingProcessStart FStarts;
   TForwardingTopWindows FWindows;
+  TForwardingXml FXml;
 };
 
 }  // namespace varcolin

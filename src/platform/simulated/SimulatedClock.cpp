@@ -93,19 +93,27 @@ void TSimulatedClock::RunEvents(std::uint64_t ATime) {
 void TSimulatedClock::ReleaseDue() {
   const std::uint64_t now = Elapsed();
   const auto due = [now](TWaiter* AWaiter) {
-    AWaiter->Signaled = AWaiter->Signal != nullptr && AWaiter->Signal->FSet;
+    AWaiter->Signaled = IsAnySet(AWaiter->Signals);
     AWaiter->Released = AWaiter->Signaled || AWaiter->Deadline <= now;
     return AWaiter->Released;
   };
   if (std::erase_if(FWaiters, due) != 0) FReleased.notify_all();
 }
 
+bool TSimulatedClock::IsAnySet(std::span<const TClockSignal* const> ASignals) {
+  return std::ranges::any_of(ASignals, [](const TClockSignal* ASignal) { return ASignal->FSet; });
+}
+
 bool TSimulatedClock::Wait(const TClockSignal* ASignal, std::uint32_t ATimeout) {
+  return WaitForAny({&ASignal, ASignal == nullptr ? 0U : 1U}, ATimeout);
+}
+
+bool TSimulatedClock::WaitForAny(std::span<const TClockSignal* const> ASignals, std::uint32_t ATimeout) {
   std::unique_lock lock(FMutex);
-  if (ASignal != nullptr && ASignal->FSet) return true;
+  if (IsAnySet(ASignals)) return true;
   if (ATimeout == 0) return false;
   const bool forever = ATimeout == WaitForever;
-  TWaiter waiter{ASignal, forever ? Never : Elapsed() + ATimeout * StepsPerMillisecond};
+  TWaiter waiter{ASignals, forever ? Never : Elapsed() + ATimeout * StepsPerMillisecond};
   FWaiters.push_back(&waiter);
   FBlocked.notify_all();
   while (!waiter.Released) {

@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <span>
 #include <thread>
 #include <vector>
 
@@ -56,6 +57,8 @@ class TSimulatedClock {
   /// Waits for ASignal (none: just for time to pass) for at most ATimeout milliseconds; 0 only looks, `WaitForever`
   /// sets no limit. Whether the signal came. The signal must outlive the call.
   [[nodiscard]] bool Wait(const TClockSignal* ASignal, std::uint32_t ATimeout);
+  /// The same for any one of several signals.
+  [[nodiscard]] bool WaitForAny(std::span<const TClockSignal* const> ASignals, std::uint32_t ATimeout);
   /// Changes a signal; setting it ends all waits for it, even when it is taken back at once.
   void Change(TClockSignal& ASignal, bool ASet);
 
@@ -78,7 +81,7 @@ class TSimulatedClock {
 
  private:
   struct TWaiter {
-    const TClockSignal* Signal;
+    std::span<const TClockSignal* const> Signals;
     std::uint64_t Deadline;
     bool Released = false;
     bool Signaled = false;
@@ -87,6 +90,7 @@ class TSimulatedClock {
   // 100-nanosecond steps since the clock was made; needs the lock, as the other private methods do
   [[nodiscard]] std::uint64_t Elapsed() const;
   void ReleaseDue();
+  [[nodiscard]] static bool IsAnySet(std::span<const TClockSignal* const> ASignals);
 
   // lets the events happen whose time is not after ATime; the lock must not be held
   void RunEvents(std::uint64_t ATime);

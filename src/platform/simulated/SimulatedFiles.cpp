@@ -70,10 +70,11 @@ struct TSimulatedFiles::TFound {
   TResolvedPath Path;  // without links, as far as they were followed
   TNode* Parent = nullptr;
   TNode* Node = nullptr;
+  bool IsNew = false;  // made by this call
 };
 
-TSimulatedFiles::TSimulatedFiles(TSimulatedClock& AClock, const TSimulatedFacts& AFacts)
-    : FClock(AClock), FIsRedirected(AFacts.Is64Bit() && AFacts.IsWow64), FWalks(0x10000) {
+TSimulatedFiles::TSimulatedFiles(TSimulatedClock& AClock, TSimulatedSync& ASync, const TSimulatedFacts& AFacts)
+    : FClock(AClock), FIsRedirected(AFacts.Is64Bit() && AFacts.IsWow64), FWalks(0x10000), FWatches(ASync) {
   const TEnvironment environment = EnvironmentOf(AFacts);
   const std::u16string_view windows = VariableOf(environment, u"SystemRoot");
   FRedirector = TRedirector(windows, AFacts.IsVista());
@@ -310,6 +311,7 @@ TWinError TSimulatedFiles::FindOrAddFile(std::u16string_view APath, TFound& AFou
   if (error == WinError::FileNotFound && AFound.Parent != nullptr) {
     if (AFound.Path.TrailingBackslash) return WinError::PathNotFound;
     AFound.Node = &AddNode(*AFound.Parent, AFound.Path.Parts.back(), FileAttribute::Archive);
+    AFound.IsNew = true;
   } else if (error != WinError::Success) {
     return error;
   }
@@ -428,7 +430,56 @@ TSimulatedFiles::TNode& TSimulatedFiles::AddNode(TNode& AParent, std::u16string_
   return added;
 }
 
-void TSimulatedFiles::Log(EFileChange AKind, const TFound& AFound) { FChanges.push_back({AKind, AFound.Path.Text()}); }
+void TSimulatedFiles::Log(EFileChange AKind, const TFound& AFound) {
+  FChanges.push_back({AKind, AFound.Path.Text()});
+  const auto change = [&]() -> std::uint32_t {
+    switch (AKind) {
+      case EFileChange::Written:
+        return FileNotify::Size | FileNotify::LastWrite | (AFound.IsNew ? FileNotify::FileName : 0U);
+      case EFileChange::Removed:
+        return FileNotify::FileName;
+      case EFileChange::FolderMade:
+      case EFileChange::FolderRemoved:
+        return FileNotify::FolderName;
+      case EFileChange::AttributesSet:
+        return FileNotify::Attributes;
+    }
+    return 0;
+  };
+  FWatches.Notify(AFound.Path, change());
+}
+
+TWinError TSimulatedFiles::WatchFolder(std::u16string_view APath, bool ASubtree, std::uint32_t AFilter,
+                                       TFolderWatch& AWatch) {
+  if (AFilter == 0) return WinError::InvalidParameter;
+  std::uintptr_t value = 0;
+  {
+    const std::lock_guard lock(FMutex);
+    TFound found;
+    const TWinError error = Locate(APath, true, found);
+    if (error != WinError::Success) return error;
+    if (!found.Node->IsFolder()) return WinError::InvalidParameter;
+    if (found.Node->IsDenied) return WinError::AccessDenied;
+    value = FWatches.Add(std::move(found.Path), ASubtree, AFilter);
+  }
+  AWatch = TFolderWatch(*this, value);  // outside the lock: this may end the watch that was there
+  return WinError::Success;
+}
+
+TWinError TSimulatedFiles::RearmWatch(const TFolderWatch& AWatch) {
+  const std::lock_guard lock(FMutex);
+  const TResolvedPath* const folder = FWatches.FolderOf(AWatch.Value());
+  if (folder == nullptr) return WinError::InvalidHandle;
+  TFound found;
+  if (Find(*folder, true, found) != WinError::Success) return WinError::AccessDenied;
+  FWatches.Rearm(AWatch.Value());
+  return WinError::Success;
+}
+
+void TSimulatedFiles::CloseValue(TFolderWatchTag, std::uintptr_t AWatch) noexcept {
+  const std::lock_guard lock(FMutex);
+  FWatches.Remove(AWatch);
+}
 
 TSimulatedFiles::TNode& TSimulatedFiles::Obtain(std::u16string_view APath, std::uint32_t AAttributes) {
   TResolvedPath path;
@@ -448,7 +499,15 @@ TSimulatedFiles::TNode& TSimulatedFiles::Obtain(std::u16string_view APath, std::
     const std::uint32_t attributes = i + 1 == path.Parts.size() ? AAttributes : FileAttribute::Folder;
     const auto child = node->Children.find(path.Parts[i]);
     if (!node->IsFolder()) throw std::invalid_argument("a file stands in the way: " + ToUtf8(APath));
-    node = child != node->Children.end() ? child->second.get() : &AddNode(*node, path.Parts[i], attributes);
+    if (child != node->Children.end()) {
+      node = child->second.get();
+      continue;
+    }
+    node = &AddNode(*node, path.Parts[i], attributes);
+    if (FWatches.Count() == 0) continue;
+    TResolvedPath added = path;
+    added.Parts.resize(i + 1);
+    FWatches.Notify(added, node->IsFolder() ? FileNotify::FolderName : FileNotify::FileName);
   }
   if (((node->Attributes ^ AAttributes) & FileAttribute::Folder) != 0) {
     throw std::invalid_argument("file and folder of one name: " + ToUtf8(APath));
@@ -472,8 +531,30 @@ void TSimulatedFiles::AddFolder(std::u16string_view APath) {
 
 void TSimulatedFiles::AddFile(std::u16string_view APath, std::vector<std::byte> AData) {
   const auto data = std::make_shared<const std::vector<std::byte>>(std::move(AData));
+  AddContent(APath, {data, *data});
+}
+
+void TSimulatedFiles::AddContent(std::u16string_view APath, TFileBytes ABytes) {
   const std::lock_guard lock(FMutex);
-  Obtain(APath, FileAttribute::Archive).SetBytes({data, *data});
+  TResolvedPath path;
+  TFound found;
+  const bool isOld = FWatches.Count() != 0 && ResolvePath(APath, u"C:\\", false, path) == WinError::Success &&
+                     Find(path, false, found) == WinError::Success;
+  Obtain(APath, FileAttribute::Archive).SetBytes(std::move(ABytes));
+  if (isOld) FWatches.Notify(found.Path, FileNotify::Size | FileNotify::LastWrite);
+}
+
+void TSimulatedFiles::RemoveAt(std::u16string_view APath) {
+  const std::lock_guard lock(FMutex);
+  TResolvedPath path;
+  TFound found;
+  if (ResolvePath(APath, u"C:\\", false, path) != WinError::Success || Find(path, false, found) != WinError::Success ||
+      found.Parent == nullptr) {
+    throw std::invalid_argument("not on the machine: " + ToUtf8(APath));
+  }
+  const std::uint32_t change = found.Node->IsFolder() ? FileNotify::FolderName : FileNotify::FileName;
+  found.Parent->Children.erase(found.Parent->Children.find(found.Path.Parts.back()));
+  FWatches.Notify(found.Path, change);
 }
 
 void TSimulatedFiles::AddFile(std::u16string_view APath, std::string_view AText) {
@@ -490,8 +571,7 @@ void TSimulatedFiles::AddHostFile(std::u16string_view APath, std::filesystem::pa
 }
 
 void TSimulatedFiles::AddStaticFile(std::u16string_view APath, std::span<const std::byte> AData) {
-  const std::lock_guard lock(FMutex);
-  Obtain(APath, FileAttribute::Archive).SetBytes({nullptr, AData});
+  AddContent(APath, {nullptr, AData});
 }
 
 void TSimulatedFiles::AddLink(std::u16string_view APath, std::u16string_view ATarget) {
@@ -554,7 +634,7 @@ std::vector<TFileChange> TSimulatedFiles::Changes() {
 
 std::size_t TSimulatedFiles::OpenHandleCount() {
   const std::lock_guard lock(FMutex);
-  return FWalks.Count() + FUnredirected.size();
+  return FWalks.Count() + FWatches.Count() + FUnredirected.size();
 }
 
 }  // namespace varcolin

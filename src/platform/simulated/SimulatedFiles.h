@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/Files.h"
+#include "platform/simulated/FolderWatches.h"
 #include "platform/simulated/SimulatedFacts.h"
 #include "platform/simulated/SimulatedHandles.h"
 #include "platform/simulated/SimulatedPaths.h"
@@ -21,6 +22,7 @@
 namespace varcolin {
 
 class TSimulatedClock;
+class TSimulatedSync;
 
 /// A file's bytes, kept alive as long as this is.
 struct TFileBytes {
@@ -43,7 +45,7 @@ struct TFileChange {
 class TSimulatedFiles final : public IWritableFiles {
  public:
   /// Drive C with nothing on it.
-  TSimulatedFiles(TSimulatedClock& AClock, const TSimulatedFacts& AFacts);
+  TSimulatedFiles(TSimulatedClock& AClock, TSimulatedSync& ASync, const TSimulatedFacts& AFacts);
   TSimulatedFiles(const TSimulatedFiles&) = delete;
   TSimulatedFiles& operator=(const TSimulatedFiles&) = delete;
   ~TSimulatedFiles() override;
@@ -56,7 +58,11 @@ class TSimulatedFiles final : public IWritableFiles {
   [[nodiscard]] TWinError ReadVersionResource(std::u16string_view APath, std::vector<std::byte>& AData) override;
   [[nodiscard]] TWinError DisableRedirection(std::uintptr_t& AOldValue) override;
   [[nodiscard]] TWinError RevertRedirection(std::uintptr_t AOldValue) override;
+  [[nodiscard]] TWinError WatchFolder(std::u16string_view APath, bool ASubtree, std::uint32_t AFilter,
+                                      TFolderWatch& AWatch) override;
+  [[nodiscard]] TWinError RearmWatch(const TFolderWatch& AWatch) override;
   void CloseValue(TFindTag, std::uintptr_t AHandle) noexcept override;
+  void CloseValue(TFolderWatchTag, std::uintptr_t AWatch) noexcept override;
   [[nodiscard]] TWinError WriteWhole(std::u16string_view APath, std::span<const std::byte> AData) override;
   [[nodiscard]] TWinError AppendBytes(std::u16string_view APath, std::span<const std::byte> AData) override;
   [[nodiscard]] TWinError RemoveFile(std::u16string_view APath) override;
@@ -70,8 +76,9 @@ class TSimulatedFiles final : public IWritableFiles {
   /// The path on the drive itself of what this process sees at APath: redirection and links are followed.
   [[nodiscard]] TWinError FindRealPath(std::u16string_view APath, std::u16string& ARealPath);
 
-  // What prepares a machine. These paths are the drive's own: no redirection applies, drives and missing folders are
-  // made, an existing file is replaced, nothing is logged. std::invalid_argument for what cannot be a path.
+  // What prepares a machine, and what its other processes do. These paths are the drive's own: no redirection applies,
+  // drives and missing folders are made, an existing file is replaced, nothing is logged; watches are told of what is
+  // added and removed. std::invalid_argument for what cannot be a path.
 
   void AddFolder(std::u16string_view APath);
   void AddFile(std::u16string_view APath, std::vector<std::byte> AData);
@@ -84,6 +91,8 @@ class TSimulatedFiles final : public IWritableFiles {
   void AddStaticFile(std::u16string_view APath, std::span<const std::byte> AData);
   /// A folder that is a link to another folder, which need not exist.
   void AddLink(std::u16string_view APath, std::u16string_view ATarget);
+  /// Removes a file, or a folder with all that it holds, whoever uses it.
+  void RemoveAt(std::u16string_view APath);
   void SetTimes(std::u16string_view APath, TFileTime ACreation, TFileTime ALastAccess, TFileTime ALastWrite);
   /// Whether somebody holds the file open without sharing it.
   void MarkInUse(std::u16string_view APath, bool AInUse = true);
@@ -96,7 +105,7 @@ class TSimulatedFiles final : public IWritableFiles {
   [[nodiscard]] bool Contains(std::u16string_view APath);
   /// What the library has changed so far, in order; writes of one file in a row count once.
   [[nodiscard]] std::vector<TFileChange> Changes();
-  /// Open walks, and threads that have redirection switched off.
+  /// Open walks and watches, and threads that have redirection switched off.
   [[nodiscard]] std::size_t OpenHandleCount();
 
  private:
@@ -116,6 +125,7 @@ class TSimulatedFiles final : public IWritableFiles {
   TNode& Obtain(std::u16string_view APath, std::uint32_t AAttributes);
   TNode& Existing(std::u16string_view APath);
   TNode& AddNode(TNode& AParent, std::u16string_view AName, std::uint32_t AAttributes);
+  void AddContent(std::u16string_view APath, TFileBytes ABytes);
   void Log(EFileChange AKind, const TFound& AFound);
   static void Destroy(std::vector<std::unique_ptr<TNode>> ANodes);
 
@@ -126,6 +136,7 @@ class TSimulatedFiles final : public IWritableFiles {
   std::mutex FMutex;
   std::map<char16_t, std::unique_ptr<TNode>> FDrives;
   THandleTable<TWalk> FWalks;
+  TFolderWatches FWatches;
   std::unordered_map<std::thread::id, std::uintptr_t> FUnredirected;
   std::vector<TFileChange> FChanges;
 };

@@ -9,20 +9,22 @@ TSimulatedMachine::TSimulatedMachine(const TSimulatedFacts& AFacts)
       FClock(AFacts.Now),
       FSync(FClock),
       FRegistry(FClock, FSync, {AFacts.Is64Bit(), AFacts.Is64Bit() && AFacts.IsWow64, AFacts.UserSid}),
-      FFiles(FClock, FFacts),
+      FFiles(FClock, FSync, FFacts),
       FSystem(FClock, FFacts),
       FModules(FFiles, FFacts),
       FShell(FFacts),
       FIcons(FFiles),
       FProcesses(FClock, FFacts),
       FWindows(FIcons),
-      FStarts({FClock, FFiles, FModules, FProcesses, FRegistry, FWindows}) {
+      FStarts({FClock, FFiles, FModules, FProcesses, FRegistry, FWindows}),
+      FXml(FCom) {
   AddStandardFolders();
   for (const TSimulatedProgram& program : FFacts.Programs) FStarts.Describe(program);
 }
 
 TMachine TSimulatedMachine::Facilities() noexcept {
-  return {FSync, FRegistry, FFiles, FSystem, FModules, FShell, FIcons, FProcesses, FStarts, FWindows, FMessages, FCom};
+  return {FSync,      FRegistry, FFiles,   FSystem,   FModules, FShell, FIcons,
+          FProcesses, FStarts,   FWindows, FMessages, FCom,     FXml};
 }
 
 std::size_t TSimulatedMachine::OpenHandleCount() {

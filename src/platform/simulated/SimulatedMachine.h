@@ -18,6 +18,7 @@
 #include "platform/simulated/SimulatedSync.h"
 #include "platform/simulated/SimulatedSystem.h"
 #include "platform/simulated/SimulatedTopWindows.h"
+#include "platform/simulated/SimulatedXml.h"
 
 namespace varcolin {
 
@@ -69,6 +70,7 @@ class TSimulatedMachine {
   TSimulatedProcessStart FStarts;
   TSimulatedMessages FMessages;
   TSimulatedCom FCom;
+  TSimulatedXml FXml;
 };
 
 }  // namespace varcolin

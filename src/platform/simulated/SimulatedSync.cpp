@@ -1,5 +1,8 @@
 #include "platform/simulated/SimulatedSync.h"
 
+#include <utility>
+#include <vector>
+
 #include "support/uText.h"
 
 namespace varcolin {
@@ -56,6 +59,36 @@ EWaitResult TSimulatedSync::WaitForEvent(const TEvent& AEvent, std::uint32_t ATi
   const auto signal = ShareEvent(AEvent);
   if (!signal) return EWaitResult::Failed;
   return FClock.Wait(signal.get(), ATimeout) ? EWaitResult::Signaled : EWaitResult::TimedOut;
+}
+
+EWaitResult TSimulatedSync::WaitForAny(std::span<const TWaitable> AHandles, std::uint32_t ATimeout) {
+  constexpr std::size_t MaximumHandles = 64;
+  if (AHandles.empty() || AHandles.size() > MaximumHandles) return EWaitResult::Failed;
+  std::vector<std::shared_ptr<TClockSignal>> owners;  // a handle may be closed while somebody waits for it
+  {
+    const std::lock_guard lock(FMutex);
+    for (const TWaitable& handle : AHandles) {
+      for (const auto* const table : {&FEvents, &FWaitables}) {
+        if (const auto found = table->find(handle.Value()); found != table->end()) owners.push_back(found->second);
+      }
+    }
+  }
+  if (owners.size() != AHandles.size()) return EWaitResult::Failed;
+  std::vector<const TClockSignal*> signals;
+  for (const auto& owner : owners) signals.push_back(owner.get());
+  return FClock.WaitForAny(signals, ATimeout) ? EWaitResult::Signaled : EWaitResult::TimedOut;
+}
+
+std::uintptr_t TSimulatedSync::AddWaitable(std::shared_ptr<TClockSignal> ASignal) {
+  const std::lock_guard lock(FMutex);
+  const std::uintptr_t value = NewHandle();
+  FWaitables.emplace(value, std::move(ASignal));
+  return value;
+}
+
+void TSimulatedSync::RemoveWaitable(std::uintptr_t AValue) noexcept {
+  const std::lock_guard lock(FMutex);
+  FWaitables.erase(AValue);
 }
 
 void TSimulatedSync::SleepFor(std::uint32_t ATime) {

@@ -23,6 +23,7 @@ class TSimulatedSync final : public ISync {
   void SignalEvent(const TEvent& AEvent) noexcept override;
   void ResetSignal(const TEvent& AEvent) noexcept override;
   [[nodiscard]] EWaitResult WaitForEvent(const TEvent& AEvent, std::uint32_t ATimeout) override;
+  [[nodiscard]] EWaitResult WaitForAny(std::span<const TWaitable> AHandles, std::uint32_t ATimeout) override;
   void SleepFor(std::uint32_t ATime) override;
   [[nodiscard]] std::uint32_t TickCount() override { return FClock.TickCount(); }
 
@@ -31,6 +32,10 @@ class TSimulatedSync final : public ISync {
 
   void CloseValue(TEventTag, std::uintptr_t AEvent) noexcept override;
   void CloseValue(TMutexTag, std::uintptr_t AMutex) noexcept override;
+
+  /// Lets threads wait for a signal of another facility: the value of the handle that this facility gives out.
+  [[nodiscard]] std::uintptr_t AddWaitable(std::shared_ptr<TClockSignal> ASignal);
+  void RemoveWaitable(std::uintptr_t AValue) noexcept;
 
   /// Number of events and mutexes that are open.
   [[nodiscard]] std::size_t OpenHandleCount();
@@ -44,6 +49,7 @@ class TSimulatedSync final : public ISync {
   /// given; empty for an invalid handle.
   [[nodiscard]] std::shared_ptr<TClockSignal> ShareEvent(const TEvent& AEvent);
   void SignalShared(TClockSignal& ASignal) { FClock.Change(ASignal, true); }
+  void ResetShared(TClockSignal& ASignal) { FClock.Change(ASignal, false); }
 
  private:
   [[nodiscard]] std::uintptr_t NewHandle() noexcept { return FLastHandle += 4; }
@@ -53,8 +59,9 @@ class TSimulatedSync final : public ISync {
   std::mutex FMutex;
   std::uintptr_t FLastHandle = 0;
   std::unordered_map<std::uintptr_t, std::shared_ptr<TClockSignal>> FEvents;
-  std::unordered_map<std::uintptr_t, std::u16string> FMutexes;     // handle to name
-  std::map<std::u16string, std::size_t, std::less<>> FMutexNames;  // name to number of handles
+  std::unordered_map<std::uintptr_t, std::shared_ptr<TClockSignal>> FWaitables;  // of other facilities
+  std::unordered_map<std::uintptr_t, std::u16string> FMutexes;                   // handle to name
+  std::map<std::u16string, std::size_t, std::less<>> FMutexNames;                // name to number of handles
 };
 
 }  // namespace varcolin

@@ -161,8 +161,26 @@ TWinError TWindowsFiles::SetAttributes(std::u16string_view APath, std::uint32_t 
   return CallWithPath(APath, [&](const wchar_t* AName) { return SetFileAttributesW(AName, AAttributes); });
 }
 
+TWinError TWindowsFiles::WatchFolder(std::u16string_view APath, bool ASubtree, std::uint32_t AFilter,
+                                     TFolderWatch& AWatch) {
+  return CallWithPath(APath, [&](const wchar_t* AName) {
+    const HANDLE handle = FindFirstChangeNotificationW(AName, ASubtree ? TRUE : FALSE, AFilter);
+    if (handle == INVALID_HANDLE_VALUE) return false;
+    AWatch = TFolderWatch(*this, reinterpret_cast<std::uintptr_t>(handle));
+    return true;
+  });
+}
+
+TWinError TWindowsFiles::RearmWatch(const TFolderWatch& AWatch) {
+  return FindNextChangeNotification(reinterpret_cast<HANDLE>(AWatch.Value())) ? WinError::Success : LastFailure();
+}
+
 void TWindowsFiles::CloseValue(TFindTag, std::uintptr_t AHandle) noexcept {
   FindClose(reinterpret_cast<HANDLE>(AHandle));
+}
+
+void TWindowsFiles::CloseValue(TFolderWatchTag, std::uintptr_t AWatch) noexcept {
+  FindCloseChangeNotification(reinterpret_cast<HANDLE>(AWatch));
 }
 
 }  // namespace varcolin

@@ -22,7 +22,11 @@ class TWindowsFiles final : public IWritableFiles {
   [[nodiscard]] TWinError MakeFolder(std::u16string_view APath) override;
   [[nodiscard]] TWinError RemoveFolder(std::u16string_view APath) override;
   [[nodiscard]] TWinError SetAttributes(std::u16string_view APath, std::uint32_t AAttributes) override;
+  [[nodiscard]] TWinError WatchFolder(std::u16string_view APath, bool ASubtree, std::uint32_t AFilter,
+                                      TFolderWatch& AWatch) override;
+  [[nodiscard]] TWinError RearmWatch(const TFolderWatch& AWatch) override;
   void CloseValue(TFindTag, std::uintptr_t AHandle) noexcept override;
+  void CloseValue(TFolderWatchTag, std::uintptr_t AWatch) noexcept override;
 
  private:
   TLateLibrary FKernel{L"kernel32.dll"};

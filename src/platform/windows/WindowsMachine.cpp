@@ -12,6 +12,7 @@
 #include "platform/windows/WindowsSync.h"
 #include "platform/windows/WindowsSystemFacts.h"
 #include "platform/windows/WindowsTopWindows.h"
+#include "platform/windows/WindowsXml.h"
 
 namespace varcolin {
 
@@ -28,6 +29,7 @@ struct TWindowsMachine::TParts {
   TWindowsTopWindows Windows{Icons};
   TWindowsMessageBoxes Messages;
   TWindowsCom Com;
+  TWindowsXml Xml;
 };
 
 TWindowsMachine::TWindowsMachine() : FParts(std::make_unique<TParts>()) {}
@@ -36,8 +38,8 @@ TWindowsMachine::~TWindowsMachine() = default;
 
 TMachine TWindowsMachine::Facilities() noexcept {
   TParts& parts = *FParts;
-  return {parts.Sync,  parts.Registry,  parts.Files,  parts.System,  parts.Modules,  parts.Shell,
-          parts.Icons, parts.Processes, parts.Starts, parts.Windows, parts.Messages, parts.Com};
+  return {parts.Sync,      parts.Registry, parts.Files,   parts.System,   parts.Modules, parts.Shell, parts.Icons,
+          parts.Processes, parts.Starts,   parts.Windows, parts.Messages, parts.Com,     parts.Xml};
 }
 
 }  // namespace varcolin

@@ -1,5 +1,8 @@
 #include "platform/windows/WindowsSync.h"
 
+#include <algorithm>
+#include <array>
+
 #include "platform/windows/OwnedHandle.h"
 
 namespace varcolin {
@@ -17,6 +20,16 @@ void TWindowsSync::ResetSignal(const TEvent& AEvent) noexcept { ResetEvent(ToHan
 
 EWaitResult TWindowsSync::WaitForEvent(const TEvent& AEvent, std::uint32_t ATimeout) {
   return WaitForHandle(ToHandle(AEvent.Value()), ATimeout);
+}
+
+EWaitResult TWindowsSync::WaitForAny(std::span<const TWaitable> AHandles, std::uint32_t ATimeout) {
+  std::array<HANDLE, MAXIMUM_WAIT_OBJECTS> handles;
+  if (AHandles.size() > handles.size()) return EWaitResult::Failed;
+  std::ranges::transform(AHandles, handles.begin(), [](const TWaitable& AHandle) { return ToHandle(AHandle.Value()); });
+  const auto count = static_cast<DWORD>(AHandles.size());
+  const DWORD result = WaitForMultipleObjects(count, handles.data(), FALSE, ATimeout);
+  if (result < WAIT_OBJECT_0 + count) return EWaitResult::Signaled;
+  return result == WAIT_TIMEOUT ? EWaitResult::TimedOut : EWaitResult::Failed;
 }
 
 void TWindowsSync::SleepFor(std::uint32_t ATime) { Sleep(ATime); }

@@ -11,6 +11,7 @@ class TWindowsSync final : public ISync {
   void SignalEvent(const TEvent& AEvent) noexcept override;
   void ResetSignal(const TEvent& AEvent) noexcept override;
   [[nodiscard]] EWaitResult WaitForEvent(const TEvent& AEvent, std::uint32_t ATimeout) override;
+  [[nodiscard]] EWaitResult WaitForAny(std::span<const TWaitable> AHandles, std::uint32_t ATimeout) override;
   void SleepFor(std::uint32_t ATime) override;
   [[nodiscard]] std::uint32_t TickCount() override;
   [[nodiscard]] TWinError MakeNamedMutex(std::u16string_view AName, TNamedMutex& AMutex, bool& AExisted) override;

@@ -1,0 +1,94 @@
+#include "platform/simulated/SimulatedXml.h"
+
+#include <algorithm>
+#include <pugixml.hpp>
+#include <string>
+#include <utility>
+
+#include "platform/simulated/SimulatedCom.h"
+#include "support/uText.h"
+
+namespace varcolin {
+
+namespace {
+
+constexpr TWinError ComNotInitialized = 0x800401F0;  // CO_E_NOTINITIALIZED
+
+class TElement : public IXmlElement {
+ public:
+  explicit TElement(pugi::xml_node ANode) noexcept : FNode(ANode) {}
+
+  [[nodiscard]] std::u16string Name() const override { return FromUtf8(FNode.name()); }
+  [[nodiscard]] bool GetAttribute(std::u16string_view AName, std::u16string& AValue) const override {
+    const pugi::xml_attribute attribute = FNode.attribute(ToUtf8(AName).c_str());
+    if (!attribute) return false;
+    AValue = FromUtf8(attribute.value());
+    return true;
+  }
+  [[nodiscard]] std::unique_ptr<IXmlElement> FirstChild() const override { return FirstElement(FNode.first_child()); }
+  [[nodiscard]] std::unique_ptr<IXmlElement> NextSibling() const override { return FirstElement(FNode.next_sibling()); }
+  [[nodiscard]] std::unique_ptr<IXmlElement> FindChild(std::u16string_view AName) const override {
+    const std::string name = ToUtf8(AName);
+    for (pugi::xml_node node = FNode.first_child(); node; node = node.next_sibling()) {
+      // the name alone would do for an instruction too
+      if (node.type() == pugi::node_element && name == node.name()) return std::make_unique<TElement>(node);
+    }
+    return nullptr;
+  }
+
+ private:
+  static std::unique_ptr<IXmlElement> FirstElement(pugi::xml_node ANode) {
+    while (ANode && ANode.type() != pugi::node_element) ANode = ANode.next_sibling();
+    return ANode ? std::make_unique<TElement>(ANode) : nullptr;
+  }
+
+  pugi::xml_node FNode;
+};
+
+/// The root element, which keeps the document.
+class TRoot final : public TElement {
+ public:
+  TRoot(std::unique_ptr<pugi::xml_document> ADocument, pugi::xml_node ARoot) noexcept
+      : TElement(ARoot), FDocument(std::move(ADocument)) {}
+
+ private:
+  std::unique_ptr<pugi::xml_document> FDocument;
+};
+
+/// The one element at the top of a document that is nothing but it, instructions and comments; null for any other.
+pugi::xml_node OnlyElement(const pugi::xml_document& ADocument) {
+  pugi::xml_node element;
+  for (const pugi::xml_node node : ADocument) {
+    if (node.type() != pugi::node_element || element) return {};
+    element = node;
+  }
+  return element;
+}
+
+/// Whether bytes have a NUL although they are not those of a wider encoding. The parser would take it for their end.
+bool HasStrayNul(std::span<const std::byte> AData) {
+  constexpr std::size_t WidestUnit = 4;
+  const auto isNul = [](std::byte AByte) { return AByte == std::byte{0}; };
+  if (std::ranges::any_of(AData.first(std::min(AData.size(), WidestUnit)), isNul)) return false;
+  const bool hasMark16 =
+      AData.size() > 1 && std::to_integer<unsigned>(AData[0]) + std::to_integer<unsigned>(AData[1]) == 0xFF + 0xFE;
+  return !hasMark16 && std::ranges::any_of(AData, isNul);
+}
+
+}  // namespace
+
+TWinError TSimulatedXml::Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlElement>& ARoot) {
+  if (!FCom.HasJoined()) return ComNotInitialized;
+  if (HasStrayNul(AData)) return WinError::BadFormat;
+  // as fragment and with the declaration of a type kept: OnlyElement judges what stands at the top
+  constexpr unsigned Options = pugi::parse_default | pugi::parse_fragment | pugi::parse_doctype;
+  auto document = std::make_unique<pugi::xml_document>();
+  const pugi::xml_parse_result result = document->load_buffer(AData.data(), AData.size(), Options);
+  if (result.status == pugi::status_out_of_memory) return WinError::NotEnoughMemory;
+  const pugi::xml_node root = result ? OnlyElement(*document) : pugi::xml_node();
+  if (!root) return WinError::BadFormat;
+  ARoot = std::make_unique<TRoot>(std::move(document), root);
+  return WinError::Success;
+}
+
+}  // namespace varcolin
