@@ -83,6 +83,8 @@ target_link_options(test_program PRIVATE -municode -mwindows)
 add_executable(windows_tests ${SOURCES} ${RESOURCES})
 target_include_directories(windows_tests PRIVATE tests)
 add_dependencies(windows_tests test_program)
+set_property(SOURCE ${CMAKE_SOURCE_DIR}/tests/contract/ManifestContract.cpp APPEND PROPERTY COMPILE_DEFINITIONS
+             SHARED_DATA="Z:${CMAKE_SOURCE_DIR}/../shared/data")
 target_link_libraries(windows_tests PRIVATE library siblings decorators gtest gtest_main)
 
 # The product still loads on Windows XP.

@@ -1,39 +1,16 @@
-// Registry exports of real machines, where a folder with some lies beside the project or is named by the environment
-// variable VARCOLIN_TEST_DATA: each loads, and no visible entry is lost.
+// Registry exports of real machines: each loads, and no visible entry is lost.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <set>
 
 #include "common/Session.h"
+#include "contract/RealFiles.h"
 #include "platform/simulated/RegistryText.h"
 #include "support/uText.h"
 
 namespace varcolin::testing {
 namespace {
-
-namespace fs = std::filesystem;
-
-std::vector<fs::path> RealExports() {
-  const char* const named = std::getenv("VARCOLIN_TEST_DATA");
-  const fs::path folder = fs::path(named != nullptr ? named : SHARED_DATA) / "reg";
-  std::vector<fs::path> files;
-  if (!fs::is_directory(folder)) return files;
-  for (const auto& entry : fs::directory_iterator(folder)) {
-    if (entry.path().extension() == ".reg") files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  return files;
-}
-
-std::string ReadFile(const fs::path& APath) {
-  std::ifstream stream(APath, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 std::string AsUtf8(const std::string& AFile) {
   if (!AFile.starts_with("\xFF\xFE")) return AFile;
@@ -75,10 +52,10 @@ std::set<std::string> NamesIn(const std::string& AText) {
 }
 
 TEST(RealRegistryTest, EveryExportLoadsAndNoVisibleEntryIsLost) {
-  const std::vector<fs::path> files = RealExports();
+  const auto files = RealFiles("reg", ".reg");
   if (files.empty()) GTEST_SKIP() << "there are no exports of real machines";
-  for (const fs::path& file : files) {
-    const std::string bytes = ReadFile(file);
+  for (const std::filesystem::path& file : files) {
+    const std::string bytes = ReadRealFile(file);
     TSession session;
     LoadRegistryText(std::as_bytes(std::span(bytes)), file.filename().string(), session.Machine().Registry());
     session.Discover();

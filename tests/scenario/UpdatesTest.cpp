@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <set>
 
 #include "common/Session.h"
+#include "contract/PlainTags.h"
+#include "contract/RealFiles.h"
 #include "products/uItemUpdate.h"
 #include "support/uText.h"
 
@@ -361,6 +364,35 @@ TEST(UpdatesTest, A32BitWindowsHasItsOwnPackageManager) {
   ASSERT_TRUE(item);
   EXPECT_EQ(item->GetActionCommand(TPossibleActions::paUninstall), u"C:\\Windows\\system32\\pkgmgr.exe /up:P");
   EXPECT_TRUE(item->FRegistryKeys.at(0).starts_with(u"(x32)"));
+}
+
+TEST(UpdatesTest, EveryRealUpdateIsListedThatNoOtherOneContains) {
+  const auto files = RealFiles("mum", ".mum");
+  if (files.empty()) GTEST_SKIP() << "there are no manifests of real machines";
+  TSession session;
+  int number = 0;
+  std::multiset<std::string> names;
+  std::set<std::string> contained;
+  for (const auto& file : files) {
+    const std::string bytes = ReadRealFile(file);
+    // the same update for another processor has the same name
+    const std::u16string code = FromUtf8(file.stem().string() + "~" + std::to_string(number++));
+    AddKeys(session, code);
+    session.Machine().Files().AddFile(FileOf(code), bytes);
+    const TPlainTags tags(bytes);
+    if (tags.Value(tags.First("package"), "releaseType") == "Feature Pack") continue;
+    names.insert(tags.Value(tags.First("assemblyIdentity"), "name"));
+    for (const std::string& name : tags.ContainedNames()) contained.insert(name);
+  }
+  std::erase_if(names, [&](const std::string& AName) { return contained.contains(AName); });
+  session.Discover();
+  const TLines ids = IdsOf(session);
+  EXPECT_EQ(std::multiset<std::string>(ids.begin(), ids.end()), names);
+  EXPECT_GE(ids.size(), 10U);
+  for (const auto& item : session.Updates()) {
+    const std::string name = PropertyOf(*item, TPropertyID::DisplayName);
+    EXPECT_NE(name.find(" for Microsoft Windows (KB"), std::string::npos) << name;
+  }
 }
 
 }  // namespace

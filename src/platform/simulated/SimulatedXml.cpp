@@ -1,6 +1,5 @@
 #include "platform/simulated/SimulatedXml.h"
 
-#include <algorithm>
 #include <pugixml.hpp>
 #include <string>
 #include <utility>
@@ -65,21 +64,10 @@ pugi::xml_node OnlyElement(const pugi::xml_document& ADocument) {
   return element;
 }
 
-/// Whether bytes have a NUL although they are not those of a wider encoding. The parser would take it for their end.
-bool HasStrayNul(std::span<const std::byte> AData) {
-  constexpr std::size_t WidestUnit = 4;
-  const auto isNul = [](std::byte AByte) { return AByte == std::byte{0}; };
-  if (std::ranges::any_of(AData.first(std::min(AData.size(), WidestUnit)), isNul)) return false;
-  const bool hasMark16 =
-      AData.size() > 1 && std::to_integer<unsigned>(AData[0]) + std::to_integer<unsigned>(AData[1]) == 0xFF + 0xFE;
-  return !hasMark16 && std::ranges::any_of(AData, isNul);
-}
-
 }  // namespace
 
 TWinError TSimulatedXml::Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlElement>& ARoot) {
   if (!FCom.HasJoined()) return ComNotInitialized;
-  if (HasStrayNul(AData)) return WinError::BadFormat;
   // as fragment and with the declaration of a type kept: OnlyElement judges what stands at the top
   constexpr unsigned Options = pugi::parse_default | pugi::parse_fragment | pugi::parse_doctype;
   auto document = std::make_unique<pugi::xml_document>();
