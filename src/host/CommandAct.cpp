@@ -28,10 +28,10 @@ constexpr seconds EntryGrace(6);
 /// How long a copy of an uninstaller is waited for that the library does not know as one.
 constexpr seconds LongestCopy(120);
 
-std::string Named(const TProgramRecord& AProgram) { return '"' + Printable(AProgram.DisplayName) + '"'; }
+std::string Named(const TProductRecord& AProgram) { return '"' + Printable(AProgram.DisplayName) + '"'; }
 
 /// The first of the actions that the program offers.
-TPossibleActions ChooseAction(const TProgramRecord& AProgram, const TActOptions& AOptions) {
+TPossibleActions ChooseAction(const TProductRecord& AProgram, const TActOptions& AOptions) {
   using enum TPossibleActions;
   if (AOptions.Quiet && AOptions.Kind != EAct::Uninstall) throw EHostError("only uninstall can be quiet", ExitUsage);
   std::vector<TPossibleActions> wanted;
@@ -162,7 +162,7 @@ int RunAct(const TActOptions& AOptions) {
   const TLibrary library(AOptions.Machine);
   TDiscovery discovery(library.Manager());
   discovery.WaitUntilLoaded();
-  const TProgramRecord program = ChooseProgram(discovery.Read(), AOptions.NameOrGuid);
+  const TProductRecord program = ChooseProduct(discovery.Read(), AOptions.NameOrGuid);
   TPossibleActions action = ChooseAction(program, AOptions);
   const TInterfaceRef<IProduct> product = discovery.ProductOf(program);
   if (!product) throw EHostError(Named(program) + " has changed meanwhile; nothing was run");
@@ -200,7 +200,7 @@ int RunForget(const TForgetOptions& AOptions) {
   const TLibrary library(AOptions.Machine);
   TDiscovery discovery(library.Manager());
   discovery.WaitUntilLoaded();
-  const TProgramRecord program = ChooseProgram(discovery.Read(), AOptions.NameOrGuid);
+  const TProductRecord program = ChooseProduct(discovery.Read(), AOptions.NameOrGuid);
   const TInterfaceRef<IProduct> product = discovery.ProductOf(program);
   TPossibleActions action = TPossibleActions::paRemoveFromRegistry;
   TNativeUInt window = 0;

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 
 #include "host/Cells.h"
 #include "host/Commands.h"
@@ -26,14 +27,14 @@ void AppendProperty(std::string& AText, std::string_view ALabel, std::string_vie
   }
 }
 
-std::string FormatProgram(const TProgramRecord& AProgram) {
+std::string FormatProduct(const TProductRecord& AProduct) {
   const std::size_t width = OutputWidth();
   std::string text;
-  for (const TRecordField& field : RecordFields()) {
-    AppendProperty(text, field.Label, DescribeField(AProgram, field), width);
+  for (const TRecordField& field : RecordFields(AProduct.Kind)) {
+    AppendProperty(text, field.Label, DescribeField(AProduct, field), width);
   }
   std::string actions;
-  for (const std::string_view name : ActionNames(AProgram.Actions)) {
+  for (const std::string_view name : ActionNames(AProduct.Actions)) {
     if (!actions.empty()) actions += ", ";
     actions += name;
   }
@@ -44,14 +45,16 @@ std::string FormatProgram(const TProgramRecord& AProgram) {
 }  // namespace
 
 int RunShow(const TShowOptions& AOptions) {
-  TProgramRecord program;
+  TProductRecord product;
   {
     const TLibrary library(AOptions.Machine);
     TDiscovery discovery(library.Manager());
     discovery.WaitUntilLoaded();
-    program = ChooseProgram(discovery.Read(), AOptions.NameOrGuid);
+    std::vector<TProductRecord> products = discovery.Read();
+    std::ranges::move(discovery.Read(EProductKind::Update), std::back_inserter(products));
+    product = ChooseProduct(products, AOptions.NameOrGuid);
   }
-  WriteOutput(AOptions.Json ? FormatJson(std::span(&program, 1)) : FormatProgram(program));
+  WriteOutput(AOptions.Json ? FormatJson(product.Kind, std::span(&product, 1)) : FormatProduct(product));
   return ExitOk;
 }
 

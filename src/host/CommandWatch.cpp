@@ -40,16 +40,16 @@ int RunWatch(const TMachineImage& AMachine) {
   CatchInterrupt();
   discovery.WaitUntilLoaded();
   if (IsInterrupted()) return ExitOk;
-  std::vector<TProgramRecord> known = discovery.Read();
+  std::vector<TProductRecord> known = discovery.Read();
   WriteError("varcolin: watching " + std::to_string(known.size()) + (known.size() == 1 ? " program" : " programs") +
              "; Ctrl-C ends it\n");
   while (!IsInterrupted()) {
     Pause(WatchPeriod);
     if (!discovery.HasNews()) continue;
     Settle(discovery);
-    std::vector<TProgramRecord> current = discovery.Read();
+    std::vector<TProductRecord> current = discovery.Read();
     std::string text;
-    for (const TProgramChange& change : CompareReadings(known, current)) {
+    for (const TProductChange& change : CompareReadings(known, current)) {
       const std::string line = DescribeChange(change);
       if (!line.empty()) text += TimeStamp() + line + '\n';
     }

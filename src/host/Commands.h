@@ -11,7 +11,8 @@ namespace varcolin::host {
 /// What all commands share: UTF-8 path of the machine image to read, if one is named.
 using TMachineImage = std::optional<std::string>;
 
-struct TProgramsOptions {
+struct TListOptions {
+  EProductKind Kind = EProductKind::Program;
   TMachineImage Machine;
   bool Json = false;
   std::string Filter;
@@ -40,9 +41,9 @@ struct TForgetOptions {
   std::string NameOrGuid;
 };
 
-/// Lists the programs.
-int RunPrograms(const TProgramsOptions& AOptions);
-/// Shows all that is known of one program.
+/// Lists the programs or the updates.
+int RunList(const TListOptions& AOptions);
+/// Shows all that is known of one program or update.
 int RunShow(const TShowOptions& AOptions);
 /// Shows the command that uninstalls, modifies or repairs a program, asks, runs it, and waits until it has ended; says
 /// whether the program is listed any longer. ExitFailure when an uninstalled one is.

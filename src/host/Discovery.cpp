@@ -30,15 +30,16 @@ TDiscovery::TDiscovery(IVarcolin& AManager) : FManager(AManager) {
   FManager.SetStrings(nullptr);
   FManager.Refresh();
   FManager.GetPrograms(FPrograms.Receive());
+  FManager.GetUpdates(FUpdates.Receive());
 }
 
 template <class TFunction>
-void TDiscovery::ForEachProgram(TFunction AFunction) {
-  const TCollectionLock lock(*FPrograms);
-  const std::int32_t count = FPrograms->GetCount();
+void TDiscovery::ForEach(IProductCollection& AProducts, TFunction AFunction) {
+  const TCollectionLock lock(AProducts);
+  const std::int32_t count = AProducts.GetCount();
   TInterfaceRef<IProduct> product;
   for (std::int32_t i = 0; i < count; ++i) {
-    FPrograms->GetItem(i, product.Receive());
+    AProducts.GetItem(i, product.Receive());
     if (product) AFunction(*product);
   }
   product.Reset();
@@ -58,7 +59,7 @@ void TDiscovery::WaitUntilLoaded() {
     if (!progress.IsWatched() || TClock::now() < nextProgress) continue;
     nextProgress = TClock::now() + progressPeriod;
     std::size_t count = 0;
-    ForEachProgram([&](IProduct& AProduct) {
+    ForEach(*FPrograms, [&](IProduct& AProduct) {
       ++count;
       if (AProduct.IsChanged()) ++detailed;
     });
@@ -69,20 +70,21 @@ void TDiscovery::WaitUntilLoaded() {
   }
 }
 
-std::vector<TProgramRecord> TDiscovery::Read() {
-  std::vector<TProgramRecord> records;
-  ForEachProgram([&](IProduct& AProduct) {
+std::vector<TProductRecord> TDiscovery::Read(EProductKind AKind) {
+  std::vector<TProductRecord> records;
+  const bool ofPrograms = AKind == EProductKind::Program;
+  ForEach(ofPrograms ? *FPrograms : *FUpdates, [&](IProduct& AProduct) {
     static_cast<void>(AProduct.IsChanged());  // what is read now is no news any more
-    records.push_back(ReadProgram(AProduct));
+    records.push_back(ReadProduct(AProduct, AKind));
   });
-  FCount = records.size();
+  if (ofPrograms) FCount = records.size();
   return records;
 }
 
-TInterfaceRef<IProduct> TDiscovery::ProductOf(const TProgramRecord& AProgram) {
+TInterfaceRef<IProduct> TDiscovery::ProductOf(const TProductRecord& AProgram) {
   TInterfaceRef<IProduct> found;
-  ForEachProgram([&](IProduct& AProduct) {
-    if (found || ReadProgram(AProduct) != AProgram) return;
+  ForEach(*FPrograms, [&](IProduct& AProduct) {
+    if (found || ReadProduct(AProduct, EProductKind::Program) != AProgram) return;
     AProduct.QueryInterface(IProduct::IID, reinterpret_cast<void**>(found.Receive()));
   });
   return found;
@@ -91,7 +93,7 @@ TInterfaceRef<IProduct> TDiscovery::ProductOf(const TProgramRecord& AProgram) {
 bool TDiscovery::HasNews() {
   std::size_t count = 0;
   bool changed = false;
-  ForEachProgram([&](IProduct& AProduct) {
+  ForEach(*FPrograms, [&](IProduct& AProduct) {
     ++count;
     changed = AProduct.IsChanged() || changed;
   });

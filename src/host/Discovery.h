@@ -4,12 +4,12 @@
 #include <chrono>
 #include <vector>
 
-#include "host/ProgramRecord.h"
+#include "host/ProductRecord.h"
 #include "intf/intf_Varcolin.h"
 
 namespace varcolin::host {
 
-/// The programs that a manager discovers. One thread at a time.
+/// The programs and updates that a manager discovers. One thread at a time.
 class TDiscovery {
  public:
   /// Starts discovery. AManager outlives this object.
@@ -18,20 +18,22 @@ class TDiscovery {
   /// Waits until lists and details are complete, or the user interrupts (see CatchInterrupt); shows how far that has
   /// come when a person watches the error stream.
   void WaitUntilLoaded();
-  /// Reads all programs, in the library's order.
-  [[nodiscard]] std::vector<TProgramRecord> Read();
-  /// The listed product that reads like AProgram; null when there is none any more.
-  [[nodiscard]] TInterfaceRef<IProduct> ProductOf(const TProgramRecord& AProgram);
-  /// Whether the number of programs differs from that of the last Read, or the details of one have been read since.
+  /// Reads all programs or all updates, in the library's order.
+  [[nodiscard]] std::vector<TProductRecord> Read(EProductKind AKind = EProductKind::Program);
+  /// The listed program that reads like AProgram; null when there is none any more.
+  [[nodiscard]] TInterfaceRef<IProduct> ProductOf(const TProductRecord& AProgram);
+  /// Of the programs: whether the number of programs differs from that of the last Read, or the details of one have
+  /// been read since.
   [[nodiscard]] bool HasNews();
 
  private:
-  /// Calls AFunction with every program while the list is locked.
+  /// Calls AFunction with every product of a list while the list is locked.
   template <class TFunction>
-  void ForEachProgram(TFunction AFunction);
+  static void ForEach(IProductCollection& AProducts, TFunction AFunction);
 
   IVarcolin& FManager;
   TInterfaceRef<IProductCollection> FPrograms;
+  TInterfaceRef<IProductCollection> FUpdates;
   std::size_t FCount = 0;  // programs at the last Read
 };
 

@@ -13,21 +13,22 @@ namespace {
 using TJson = nlohmann::ordered_json;
 
 struct TConverter {
-  const TProgramRecord& Record;
+  const TProductRecord& Record;
 
-  TJson operator()(std::string TProgramRecord::*AMember) const { return Record.*AMember; }
-  TJson operator()(TDateTime TProgramRecord::*AMember) const {
+  TJson operator()(std::string TProductRecord::*AMember) const { return Record.*AMember; }
+  TJson operator()(TDateTime TProductRecord::*AMember) const {
     std::string text = FormatIsoDateTime(Record.*AMember);
     return text.empty() ? TJson(nullptr) : TJson(std::move(text));
   }
-  TJson operator()(std::int64_t TProgramRecord::*AMember) const { return Record.*AMember; }
-  TJson operator()(TUsedType TProgramRecord::*AMember) const { return UsageName(Record.*AMember); }
-  TJson operator()(TSoftwareRating TProgramRecord::*AMember) const { return RatingName(Record.*AMember); }
+  TJson operator()(std::int64_t TProductRecord::*AMember) const { return Record.*AMember; }
+  TJson operator()(TUsedType TProductRecord::*AMember) const { return UsageName(Record.*AMember); }
+  TJson operator()(TSoftwareRating TProductRecord::*AMember) const { return RatingName(Record.*AMember); }
+  TJson operator()(TReleaseType TProductRecord::*AMember) const { return ReleaseTypeName(Record.*AMember); }
 };
 
-TJson ToJson(const TProgramRecord& ARecord) {
+TJson ToJson(const TProductRecord& ARecord) {
   TJson result = TJson::object();
-  for (const TRecordField& field : RecordFields()) {
+  for (const TRecordField& field : RecordFields(ARecord.Kind)) {
     result.emplace(field.JsonName, std::visit(TConverter{ARecord}, field.Member));
   }
   result.emplace("actions", ActionNames(ARecord.Actions));
@@ -61,15 +62,15 @@ void AppendEscaped(std::string& AResult, std::string_view APart) {
 
 }  // namespace
 
-std::string FormatJson(std::span<const TProgramRecord> APrograms) {
-  std::string document = "{\"programs\":[";
+std::string FormatJson(EProductKind AKind, std::span<const TProductRecord> AProducts) {
+  std::string document = AKind == EProductKind::Update ? "{\"updates\":[" : "{\"programs\":[";
   std::string_view separator = "\n";
-  for (const TProgramRecord& program : APrograms) {
+  for (const TProductRecord& product : AProducts) {
     document += separator;
-    AppendEscaped(document, ToJson(program).dump(-1, ' ', false, TJson::error_handler_t::replace));
+    AppendEscaped(document, ToJson(product).dump(-1, ' ', false, TJson::error_handler_t::replace));
     separator = ",\n";
   }
-  document += APrograms.empty() ? "]}\n" : "\n]}\n";
+  document += AProducts.empty() ? "]}\n" : "\n]}\n";
   return document;
 }
 

@@ -4,12 +4,12 @@
 #include <span>
 #include <string>
 
-#include "host/ProgramRecord.h"
+#include "host/ProductRecord.h"
 
 namespace varcolin::host {
 
-/// One document {"programs":[…]} in UTF-8, a line for each program and a final line end. Characters that would steer a
-/// terminal are escaped, so that the document may also be shown on one. Any thread.
-[[nodiscard]] std::string FormatJson(std::span<const TProgramRecord> APrograms);
+/// One document {"programs":[…]} or {"updates":[…]} in UTF-8, a line for each product and a final line end. Characters
+/// that would steer a terminal are escaped, so that the document may also be shown on one. Any thread.
+[[nodiscard]] std::string FormatJson(EProductKind AKind, std::span<const TProductRecord> AProducts);
 
 }  // namespace varcolin::host

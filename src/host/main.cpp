@@ -1,4 +1,4 @@
-// varcolin: the programs of a Windows machine, listed and removed.
+// varcolin: the programs and updates of a Windows machine, listed and removed.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
@@ -16,7 +16,8 @@ namespace {
 
 /// All that the command line can say.
 struct TCommandLine {
-  TProgramsOptions Programs;
+  TListOptions Programs;
+  TListOptions Updates;
   TShowOptions Show;
   TActOptions Act;
   TForgetOptions Forget;
@@ -73,25 +74,32 @@ void AddActs(CLI::App& AApp, TCommandLine& ALine) {
   AddMachineOption(*features, ALine.Features);
 }
 
-void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
-  CLI::App* programs = AApp.add_subcommand("programs", "List the installed programs");
-  AddMachineOption(*programs, ALine.Programs.Machine);
-  programs->add_flag("--json", ALine.Programs.Json, "Print one JSON document");
-  programs->add_option("--filter", ALine.Programs.Filter, "Only programs with this text in name or publisher")
+void AddListCommand(CLI::App& AApp, const std::string& AName, const std::string& ADescription, TListOptions& AOptions) {
+  CLI::App* list = AApp.add_subcommand(AName, ADescription);
+  AddMachineOption(*list, AOptions.Machine);
+  list->add_flag("--json", AOptions.Json, "Print one JSON document");
+  list->add_option("--filter", AOptions.Filter, "Only " + AName + " with this text in name or publisher")
       ->type_name("TEXT");
   std::vector<std::string> orders;
   for (const auto& [name, order] : SortOrders) orders.emplace_back(name);
-  programs
-      ->add_option_function<std::string>(
-          "--sort", [&ALine](const std::string& AName) { ALine.Programs.Sort = SortOrderOf(AName); },
+  list->add_option_function<std::string>(
+          "--sort", [&AOptions](const std::string& AOrder) { AOptions.Sort = SortOrderOf(AOrder); },
           "Order: name, size, date or publisher; without it the library's own")
       ->check(CLI::IsMember(orders).description(""))
       ->type_name("ORDER");
+}
 
-  CLI::App* show = AApp.add_subcommand("show", "Show all that is known of one program");
+void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
+  AddListCommand(AApp, "programs", "List the installed programs", ALine.Programs);
+  ALine.Updates.Kind = EProductKind::Update;
+  AddListCommand(AApp, "updates", "List the installed updates", ALine.Updates);
+
+  CLI::App* show = AApp.add_subcommand("show", "Show all that is known of one program or update");
   AddMachineOption(*show, ALine.Show.Machine);
   show->add_flag("--json", ALine.Show.Json, "Print one JSON document");
-  AddProgramArgument(*show, ALine.Show.NameOrGuid);
+  show->add_option("product", ALine.Show.NameOrGuid, "Its name, a part of its name, its GUID or its update ID")
+      ->required()
+      ->type_name("NAME|ID");
 
   AddActs(AApp, ALine);
   CLI::App* watch = AApp.add_subcommand("watch", "Print what appears, changes and vanishes until interrupted");
@@ -102,7 +110,8 @@ void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
 }
 
 int RunCommand(CLI::App& AApp, const TCommandLine& ALine) {
-  if (AApp.got_subcommand("programs")) return RunPrograms(ALine.Programs);
+  if (AApp.got_subcommand("programs")) return RunList(ALine.Programs);
+  if (AApp.got_subcommand("updates")) return RunList(ALine.Updates);
   if (AApp.got_subcommand("show")) return RunShow(ALine.Show);
   for (const char* const name : {"uninstall", "modify", "repair"}) {
     if (AApp.got_subcommand(name)) return RunAct(ALine.Act);
@@ -115,7 +124,7 @@ int RunCommand(CLI::App& AApp, const TCommandLine& ALine) {
 
 int Run(const std::vector<std::string>& AArguments) {
   TCommandLine line;
-  CLI::App app("Lists the installed programs of a Windows machine and runs their uninstallers.", "varcolin");
+  CLI::App app("Lists the installed programs and updates of a Windows machine and runs uninstallers.", "varcolin");
   app.require_subcommand(1);
   app.allow_windows_style_options(false);
   app.set_version_flag("--version", "varcolin " VARCOLIN_VERSION);

@@ -77,14 +77,16 @@ TOutcome RunHost(const TArguments& AArguments) {
   return RunShell(line);
 }
 
-nlohmann::json ListPrograms(TArguments AMore = {}) {
-  TArguments arguments{"programs", "--json", "--machine", SAMPLE_MACHINE};
+nlohmann::json ListOf(const std::string& AKind, TArguments AMore = {}) {
+  TArguments arguments{AKind, "--json", "--machine", SAMPLE_MACHINE};
   arguments.insert(arguments.end(), AMore.begin(), AMore.end());
   const TOutcome outcome = RunHost(arguments);
   EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
   EXPECT_EQ(outcome.Error, "");
-  return nlohmann::json::parse(outcome.Output).at("programs");
+  return nlohmann::json::parse(outcome.Output).at(AKind);
 }
+
+nlohmann::json ListPrograms(TArguments AMore = {}) { return ListOf("programs", std::move(AMore)); }
 
 const nlohmann::json* FindProgram(const nlohmann::json& APrograms, const std::string& AName) {
   const auto found = std::ranges::find_if(APrograms, [&](const auto& AItem) { return AItem["displayName"] == AName; });
@@ -136,6 +138,45 @@ TEST(Host, ListsTheSampleMachine) {
   EXPECT_EQ((*FindProgram(programs, "Cinderpath Terminal"))["version"], "5.1");
   EXPECT_EQ((*FindProgram(programs, "Larkspur Office Suite 2012"))["actions"],
             nlohmann::json({"uninstall", "modify", "repair", "removeFromRegistry"}));
+}
+
+TEST(Host, ListsTheUpdatesOfTheSampleMachine) {
+  const nlohmann::json updates = ListOf("updates");
+  // those of servicing packages; the parts of a package, features, and what is broken or not there yet are none
+  std::vector<std::string> packages;
+  for (const auto& update : updates) {
+    if (update["updateId"].get<std::string>().starts_with("Package_")) packages.push_back(update["displayName"]);
+  }
+  EXPECT_EQ(packages,
+            (std::vector<std::string>{
+                "Security Update for Microsoft Windows (KB2998801)", "Hotfix for Microsoft Windows (KB2998802)",
+                "Quarterly rollup for the font cache", "Service Pack for Microsoft Windows (KB2998804)",
+                "Critical Update for Microsoft Windows (KB2998805)", "Обновление раскладок & шрифтов — «Север»"}));
+  const nlohmann::json* hotfix = FindProgram(updates, "Hotfix for Microsoft Windows (KB2998802)");
+  ASSERT_NE(hotfix, nullptr);
+  EXPECT_EQ((*hotfix)["updateId"], "Package_for_KB2998802");
+  EXPECT_EQ((*hotfix)["releaseType"], "hotfix");
+  EXPECT_EQ((*hotfix)["parentDisplayName"], "Windows 7");
+  EXPECT_EQ((*hotfix)["installDate"], "2012-07-02T19:40:05.000");
+  EXPECT_EQ((*hotfix)["actions"], nlohmann::json({"uninstall"}));
+  EXPECT_EQ((*FindProgram(updates, "Service Pack for Microsoft Windows (KB2998804)"))["actions"],
+            nlohmann::json::array());
+  EXPECT_NE(FindProgram(updates, "Security Update for Windows (KB2999902)"), nullptr) << "those of the registry too";
+
+  EXPECT_EQ(ListOf("updates", {"--filter", "СЕВЕР", "--sort", "date"}).size(), 1U);
+  const TOutcome table = RunShell("COLUMNS=80 \"$HOST\" updates --machine " + Quoted(SAMPLE_MACHINE));
+  EXPECT_EQ(table.ExitCode, 0) << table.Error;
+  EXPECT_NE(table.Output.find("Security update"), std::string::npos) << table.Output;
+  const TOutcome none = RunHost({"updates", "--machine", SAMPLE_MACHINE, "--filter", "no such update"});
+  EXPECT_EQ(none.Error, "varcolin: no update matches \"no such update\"\n");
+
+  const TOutcome shown = RunHost({"show", "--machine", SAMPLE_MACHINE, "package_for_kb2998801"});
+  EXPECT_EQ(shown.ExitCode, 0) << shown.Error;
+  for (const char* text : {"Security Update for Microsoft Windows (KB2998801)", "Security update", "Windows 7"}) {
+    EXPECT_NE(shown.Output.find(text), std::string::npos) << shown.Output;
+  }
+  const TOutcome asJson = RunHost({"show", "--json", "--machine", SAMPLE_MACHINE, "font cache"});
+  EXPECT_EQ(nlohmann::json::parse(asJson.Output).at("updates").at(0).at("releaseType"), "updateRollup");
 }
 
 TEST(Host, UsesTheBuiltInSampleAndSaysSo) {
@@ -199,7 +240,7 @@ TEST(Host, RunsTheCommandsOfPrograms) {
        "Error execute command: "},
       {"uninstall ember --yes", 1, "Ember Browser: ", "--allow-user-command"},
       {"uninstall ember --yes --allow-user-command", 1, "Ember Browser: ", "Error execute command: "},
-      {"uninstall kestrel --yes", 1, "", "names 2 programs"},
+      {"uninstall kestrel --yes", 1, "", "names 2 products"},
       {"uninstall whinchat --yes", 1, "", "it offers removeFromRegistry"},
       {"uninstall dunlin --quiet <<<n", 1, "Dunlin Download Desk: \"C:\\Program Files (x86)\\Dunlin\\uninst.exe\" /S\n",
        "nothing was run"},

@@ -17,8 +17,8 @@ using namespace std::string_literals;
 
 const std::string Replacement = "\xEF\xBF\xBD";
 
-TProgramRecord Program(std::string AName, std::string APublisher = {}, std::int64_t ASize = 0, TDateTime ADate = 0) {
-  TProgramRecord record;
+TProductRecord Program(std::string AName, std::string APublisher = {}, std::int64_t ASize = 0, TDateTime ADate = 0) {
+  TProductRecord record;
   record.DisplayName = std::move(AName);
   record.Publisher = std::move(APublisher);
   record.EstimatedSize = ASize;
@@ -26,9 +26,9 @@ TProgramRecord Program(std::string AName, std::string APublisher = {}, std::int6
   return record;
 }
 
-std::vector<std::string> Names(const std::vector<TProgramRecord>& APrograms) {
+std::vector<std::string> Names(const std::vector<TProductRecord>& APrograms) {
   std::vector<std::string> names;
-  for (const TProgramRecord& program : APrograms) names.push_back(program.DisplayName);
+  for (const TProductRecord& program : APrograms) names.push_back(program.DisplayName);
   return names;
 }
 
@@ -127,11 +127,11 @@ TEST(HostTable, FitsEveryWidth) {
 }
 
 TEST(HostJson, IsOneDocumentWhateverTheNames) {
-  TProgramRecord record = Program("\"\\ \x1B\x7F\xC2\x9B\xE2\x80\xAE 桜 \0 end"s, "p", -2048, 41130.5);
+  TProductRecord record = Program("\"\\ \x1B\x7F\xC2\x9B\xE2\x80\xAE 桜 \0 end"s, "p", -2048, 41130.5);
   record.Actions = ActionBit(TPossibleActions::paUninstall) | ActionBit(TPossibleActions::paRemoveFromRegistry);
   record.Usage = TUsedType::utRarely;
   record.Rating = TSoftwareRating::stRisky;
-  const std::string text = FormatJson(std::vector{record, Program("second")});
+  const std::string text = FormatJson(EProductKind::Program, std::vector{record, Program("second")});
   std::string_view rest = text;
   while (!rest.empty()) {
     const char32_t character = NextCharacter(rest);
@@ -156,16 +156,34 @@ TEST(HostJson, IsOneDocumentWhateverTheNames) {
   EXPECT_EQ(first["usage"], "rarely");
   EXPECT_EQ(first["rating"], "risky");
   EXPECT_EQ(first["actions"], nlohmann::json({"uninstall", "removeFromRegistry"}));
-  EXPECT_EQ(FormatJson({}), "{\"programs\":[]}\n");
+  EXPECT_EQ(FormatJson(EProductKind::Program, {}), "{\"programs\":[]}\n");
+}
+
+TEST(HostJson, UpdatesHaveTheirOwnNames) {
+  TProductRecord record = Program("Fix");
+  record.Kind = EProductKind::Update;
+  record.ReleaseType = TReleaseType::rtServicePack;
+  const auto document = nlohmann::ordered_json::parse(FormatJson(EProductKind::Update, std::vector{record}));
+  std::vector<std::string> names;
+  for (const auto& item : document.at("updates").at(0).items()) names.push_back(item.key());
+  EXPECT_EQ(names, (std::vector<std::string>{"displayName",    "version",           "publisher",     "installLocation",
+                                             "installSource",  "installDate",       "contact",       "comments",
+                                             "readMeLink",     "helpLink",          "supportLink",   "supportTelephone",
+                                             "updateInfoLink", "language",          "estimatedSize", "updateId",
+                                             "releaseType",    "parentDisplayName", "actions",       "iconIndex"}));
+  std::string types;
+  for (int type = 0; type < 8; ++type) types.append(ReleaseTypeName(static_cast<TReleaseType>(type))).append("|");
+  EXPECT_EQ(types, "none|softwareUpdate|update|updateRollup|servicePack|criticalUpdate|securityUpdate|hotfix|");
+  EXPECT_EQ(FormatJson(EProductKind::Update, {}), "{\"updates\":[]}\n");
 }
 
 TEST(HostSelection, FiltersAndSorts) {
-  const std::vector<TProgramRecord> all{Program("beta", "Zeta", 10, 41000.5), Program("Äpfel", "", -1, 0),
+  const std::vector<TProductRecord> all{Program("beta", "Zeta", 10, 41000.5), Program("Äpfel", "", -1, 0),
                                         Program("Alpha", "zeta", 30, 41001), Program("gamma", "Alef", 10, -5),
                                         Program("ärger", "Alef", 0, 41000.75)};
   const auto sorted = [&](ESortOrder AOrder) {
-    std::vector<TProgramRecord> programs = all;
-    SortPrograms(programs, AOrder);
+    std::vector<TProductRecord> programs = all;
+    SortProducts(programs, AOrder);
     return Names(programs);
   };
   using TNames = std::vector<std::string>;
@@ -173,19 +191,19 @@ TEST(HostSelection, FiltersAndSorts) {
   EXPECT_EQ(sorted(ESortOrder::Size), (TNames{"Alpha", "beta", "gamma", "Äpfel", "ärger"}));
   EXPECT_EQ(sorted(ESortOrder::Date), (TNames{"Alpha", "ärger", "beta", "gamma", "Äpfel"}));
   EXPECT_EQ(sorted(ESortOrder::Publisher), (TNames{"Äpfel", "gamma", "ärger", "Alpha", "beta"}));
-  std::vector<TProgramRecord> filtered = all;
-  FilterPrograms(filtered, "ZET");
+  std::vector<TProductRecord> filtered = all;
+  FilterProducts(filtered, "ZET");
   EXPECT_EQ(Names(filtered), (TNames{"beta", "Alpha"}));
 }
 
 TEST(HostSelection, FindsByGuidThenNameThenPart) {
-  std::vector<TProgramRecord> all{Program("Tool"), Program("Tool Box"), Program("tool"), Program("{G}")};
+  std::vector<TProductRecord> all{Program("Tool"), Program("Tool Box"), Program("tool"), Program("{G}")};
   all[1].Guid = "{ABC}";
-  EXPECT_EQ(Names(FindPrograms(all, "abc")), std::vector<std::string>{"Tool Box"});
-  EXPECT_EQ(Names(FindPrograms(all, "{abc}")), std::vector<std::string>{"Tool Box"});
-  EXPECT_EQ(Names(FindPrograms(all, "TOOL")), (std::vector<std::string>{"Tool", "tool"}));
-  EXPECT_EQ(Names(FindPrograms(all, "OL B")), std::vector<std::string>{"Tool Box"});
-  EXPECT_TRUE(FindPrograms(all, "").empty());
+  EXPECT_EQ(Names(FindProducts(all, "abc")), std::vector<std::string>{"Tool Box"});
+  EXPECT_EQ(Names(FindProducts(all, "{abc}")), std::vector<std::string>{"Tool Box"});
+  EXPECT_EQ(Names(FindProducts(all, "TOOL")), (std::vector<std::string>{"Tool", "tool"}));
+  EXPECT_EQ(Names(FindProducts(all, "OL B")), std::vector<std::string>{"Tool Box"});
+  EXPECT_TRUE(FindProducts(all, "").empty());
 }
 
 TEST(HostSelection, TellsWhatChanged) {
@@ -194,7 +212,7 @@ TEST(HostSelection, TellsWhatChanged) {
   std::vector after{Program("comes", "From afar"), Program("stays"), Program("grows", "", 2048), Program("twin")};
   after[1].IconIndex = 7;  // nothing that a person sees
   std::vector<std::string> lines;
-  for (const TProgramChange& change : CompareReadings(before, after)) lines.push_back(DescribeChange(change));
+  for (const TProductChange& change : CompareReadings(before, after)) lines.push_back(DescribeChange(change));
   std::erase(lines, "");
   EXPECT_EQ(lines, (std::vector<std::string>{"vanished  goes", "vanished  twin", "appeared  comes (From afar)",
                                              "changed   grows: Size \"1.0 KB\" -> \"2.0 KB\""}));

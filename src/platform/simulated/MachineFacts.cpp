@@ -347,7 +347,7 @@ TProgramWindow ReadProgramWindow(const TReader& AReader) {
   return window;
 }
 
-TSimulatedProgram ReadProgram(const TReader& AReader, const TNode& ANode) {
+TSimulatedProgram ReadProduct(const TReader& AReader, const TNode& ANode) {
   TSimulatedProgram program;
   const TNode* const path = AReader.Text("path", program.Path);
   if (path == nullptr) AReader.Fail(ANode, u"a program must have a \"path\"");
@@ -412,7 +412,7 @@ TSimulatedFacts ParseFacts(std::span<const std::byte> AText, std::string_view AF
   }
   if (const TNode* const environment = reader.Object("environment")) ReadEnvironment(*environment, reader, facts);
   reader.Objects("programs", [&](const TReader& AProgram, const TNode& ANode) {
-    facts.Programs.push_back(ReadProgram(AProgram, ANode));
+    facts.Programs.push_back(ReadProduct(AProgram, ANode));
   });
   std::u16string now;
   if (const TNode* const node = reader.Text("now", now); node && !TryTextToTime(now, facts.Now)) {

@@ -1,4 +1,4 @@
-// One installed program as the host shows it: everything that IProduct tells, read once.
+// One installed program or update as the host shows it: everything that IProduct tells, read once.
 #pragma once
 
 #include <compare>
@@ -14,8 +14,12 @@
 
 namespace varcolin::host {
 
-/// A program; texts are UTF-8 and empty when unknown.
-struct TProgramRecord {
+/// What the library keeps in one list.
+enum class EProductKind { Program, Update };
+
+/// A program or an update; texts are UTF-8 and empty when unknown. What its kind does not have keeps its default.
+struct TProductRecord {
+  EProductKind Kind = EProductKind::Program;
   std::string DisplayName;
   std::string Version;
   std::string Publisher;
@@ -38,16 +42,19 @@ struct TProgramRecord {
   TDateTime LastUsedDate = 0;
   TUsedType Usage = TUsedType::utNone;
   TSoftwareRating Rating = TSoftwareRating::stUnknown;
+  std::string UpdateId;
+  TReleaseType ReleaseType = TReleaseType::rtNone;
+  std::string ParentDisplayName;
   TPossibleActionsSet Actions = 0;
   std::int32_t IconIndex = -1;
 
-  friend bool operator==(const TProgramRecord&, const TProgramRecord&) = default;
+  friend bool operator==(const TProductRecord&, const TProductRecord&) = default;
 };
 
 /// Where a record keeps a property.
 using TRecordMember =
-    std::variant<std::string TProgramRecord::*, TDateTime TProgramRecord::*, std::int64_t TProgramRecord::*,
-                 TUsedType TProgramRecord::*, TSoftwareRating TProgramRecord::*>;
+    std::variant<std::string TProductRecord::*, TDateTime TProductRecord::*, std::int64_t TProductRecord::*,
+                 TUsedType TProductRecord::*, TSoftwareRating TProductRecord::*, TReleaseType TProductRecord::*>;
 
 /// One property: its number, its name in JSON, its name for people, and where the record keeps it.
 struct TRecordField {
@@ -57,19 +64,23 @@ struct TRecordField {
   TRecordMember Member;
 };
 
-/// The properties 0 to 21 in the order of their numbers.
-[[nodiscard]] std::span<const TRecordField> RecordFields() noexcept;
+/// The properties that a kind of product has, in the order of their numbers.
+[[nodiscard]] std::span<const TRecordField> RecordFields(EProductKind AKind) noexcept;
 
 /// Reads a product. The collection that it came from is locked by the caller.
-[[nodiscard]] TProgramRecord ReadProgram(IProduct& AProduct);
+[[nodiscard]] TProductRecord ReadProduct(IProduct& AProduct, EProductKind AKind);
 
 /// A property as people read it; empty when it is unknown.
-[[nodiscard]] std::string DescribeField(const TProgramRecord& ARecord, const TRecordField& AField);
+[[nodiscard]] std::string DescribeField(const TProductRecord& ARecord, const TRecordField& AField);
 
 /// The names that programs read: "none", "rarely", "occasionally", "frequently".
 [[nodiscard]] std::string_view UsageName(TUsedType AUsage) noexcept;
 /// "trustworthy", "unknown", "risky".
 [[nodiscard]] std::string_view RatingName(TSoftwareRating ARating) noexcept;
+/// "none", "softwareUpdate", "update", "updateRollup", "servicePack", "criticalUpdate", "securityUpdate", "hotfix".
+[[nodiscard]] std::string_view ReleaseTypeName(TReleaseType AType) noexcept;
+/// The same as people read it; empty for none.
+[[nodiscard]] std::string_view ReleaseTypeText(TReleaseType AType) noexcept;
 /// The names of the actions of a set in the order of their numbers, for example "uninstall", "modifyRemove".
 [[nodiscard]] std::vector<std::string_view> ActionNames(TPossibleActionsSet AActions);
 

@@ -1,6 +1,7 @@
-#include "host/ProgramRecord.h"
+#include "host/ProductRecord.h"
 
 #include <array>
+#include <utility>
 
 #include "host/Text.h"
 
@@ -8,9 +9,9 @@ namespace varcolin::host {
 
 namespace {
 
-using TRecord = TProgramRecord;
+using TRecord = TProductRecord;
 
-constexpr std::array Fields{
+constexpr std::array CommonFields{
     TRecordField{TPropertyID::DisplayName, "displayName", "Name", &TRecord::DisplayName},
     TRecordField{TPropertyID::DisplayVersion, "version", "Version", &TRecord::Version},
     TRecordField{TPropertyID::Publisher, "publisher", "Publisher", &TRecord::Publisher},
@@ -26,6 +27,8 @@ constexpr std::array Fields{
     TRecordField{TPropertyID::UpdateInfoLink, "updateInfoLink", "Updates", &TRecord::UpdateInfoLink},
     TRecordField{TPropertyID::Language, "language", "Language", &TRecord::Language},
     TRecordField{TPropertyID::EstimatedSize, "estimatedSize", "Size", &TRecord::EstimatedSize},
+};
+constexpr std::array ProgramFields{
     TRecordField{TPropertyID::RegisteredOwner, "registeredOwner", "Registered to", &TRecord::RegisteredOwner},
     TRecordField{TPropertyID::RegisteredCompany, "registeredCompany", "Organisation", &TRecord::RegisteredCompany},
     TRecordField{TPropertyID::Guid, "guid", "GUID", &TRecord::Guid},
@@ -34,6 +37,42 @@ constexpr std::array Fields{
     TRecordField{TPropertyID::Usage, "usage", "Used", &TRecord::Usage},
     TRecordField{TPropertyID::Rating, "rating", "Rating", &TRecord::Rating},
 };
+constexpr std::array UpdateFields{
+    TRecordField{TPropertyID::UpdateID, "updateId", "Update ID", &TRecord::UpdateId},
+    TRecordField{TPropertyID::ReleaseType, "releaseType", "Type", &TRecord::ReleaseType},
+    TRecordField{TPropertyID::ParentDisplayName, "parentDisplayName", "Belongs to", &TRecord::ParentDisplayName},
+};
+
+template <std::size_t First, std::size_t Second>
+constexpr auto Join(const std::array<TRecordField, First>& AFirst, const std::array<TRecordField, Second>& ASecond) {
+  return [&]<std::size_t... I, std::size_t... J>(std::index_sequence<I...>, std::index_sequence<J...>) {
+    return std::array{AFirst[I]..., ASecond[J]...};
+  }
+  (std::make_index_sequence<First>(), std::make_index_sequence<Second>());
+}
+
+constexpr auto FieldsOfPrograms = Join(CommonFields, ProgramFields);
+constexpr auto FieldsOfUpdates = Join(CommonFields, UpdateFields);
+
+/// A release type for programs and for people.
+struct TReleaseTypeWords {
+  std::string_view Name;
+  std::string_view Text;
+};
+
+constexpr std::array<TReleaseTypeWords, 8> ReleaseTypes{{{"none", ""},
+                                                         {"softwareUpdate", "Software update"},
+                                                         {"update", "Update"},
+                                                         {"updateRollup", "Update rollup"},
+                                                         {"servicePack", "Service pack"},
+                                                         {"criticalUpdate", "Critical update"},
+                                                         {"securityUpdate", "Security update"},
+                                                         {"hotfix", "Hotfix"}}};
+
+const TReleaseTypeWords& WordsOf(TReleaseType AType) noexcept {
+  const auto number = static_cast<std::size_t>(AType);
+  return ReleaseTypes[number < ReleaseTypes.size() ? number : 0];
+}
 
 constexpr std::array<std::string_view, 6> ActionNameTable{"uninstall", "uninstallQuiet", "modify",
                                                           "repair",    "modifyRemove",   "removeFromRegistry"};
@@ -71,6 +110,10 @@ struct TTaker {
     std::int64_t number = 0;
     if (ReadNumber(Value, number)) Record.*AMember = static_cast<TSoftwareRating>(number);
   }
+  void operator()(TReleaseType TRecord::*AMember) const {
+    std::int64_t number = 0;
+    if (ReadNumber(Value, number)) Record.*AMember = static_cast<TReleaseType>(number);
+  }
 };
 
 struct TDescriber {
@@ -83,16 +126,21 @@ struct TDescriber {
     return Record.*AMember == TUsedType::utNone ? std::string() : std::string(UsageName(Record.*AMember));
   }
   std::string operator()(TSoftwareRating TRecord::*AMember) const { return std::string(RatingName(Record.*AMember)); }
+  std::string operator()(TReleaseType TRecord::*AMember) const { return std::string(ReleaseTypeText(Record.*AMember)); }
 };
 
 }  // namespace
 
-std::span<const TRecordField> RecordFields() noexcept { return Fields; }
+std::span<const TRecordField> RecordFields(EProductKind AKind) noexcept {
+  if (AKind == EProductKind::Update) return FieldsOfUpdates;
+  return FieldsOfPrograms;
+}
 
-TProgramRecord ReadProgram(IProduct& AProduct) {
-  TProgramRecord record;
+TProductRecord ReadProduct(IProduct& AProduct, EProductKind AKind) {
+  TProductRecord record;
+  record.Kind = AKind;
   TVariantValue value;
-  for (const TRecordField& field : Fields) {
+  for (const TRecordField& field : RecordFields(AKind)) {
     AProduct.GetProperty(static_cast<std::int32_t>(field.Id), value.Receive());
     std::visit(TTaker{value.Value(), record}, field.Member);
   }
@@ -101,7 +149,7 @@ TProgramRecord ReadProgram(IProduct& AProduct) {
   return record;
 }
 
-std::string DescribeField(const TProgramRecord& ARecord, const TRecordField& AField) {
+std::string DescribeField(const TProductRecord& ARecord, const TRecordField& AField) {
   return std::visit(TDescriber{ARecord}, AField.Member);
 }
 
@@ -130,6 +178,10 @@ std::string_view RatingName(TSoftwareRating ARating) noexcept {
   }
   return "unknown";
 }
+
+std::string_view ReleaseTypeName(TReleaseType AType) noexcept { return WordsOf(AType).Name; }
+
+std::string_view ReleaseTypeText(TReleaseType AType) noexcept { return WordsOf(AType).Text; }
 
 std::vector<std::string_view> ActionNames(TPossibleActionsSet AActions) {
   std::vector<std::string_view> result;
