@@ -17,10 +17,15 @@
 #include "benchmarks/Allocations.native.h"
 #include "benchmarks/Figures.h"
 #include "benchmarks/ListPhase.h"
+#include "benchmarks/ServicingPackages.h"
 #include "benchmarks/UninstallKeys.h"
 #include "library/NativeRoot.h"
 #include "library/uVarcolin.h"
+#include "locations/uLocationUninstall.h"
+#include "platform/Com.h"
+#include "platform/Xml.h"
 #include "platform/simulated/RegistryText.h"
+#include "products/uItemUpdate.h"
 
 namespace varcolin::benchmarks {
 
@@ -96,6 +101,115 @@ double DiscoveryGrowth() {
   };
   const auto one = [&] { return secondsOf(Smaller * Factor); };
   return RatioOfMedians(Rounds, one, ten);
+}
+
+/// A folder of the computer that goes with the object.
+class TTemporaryFolder {
+ public:
+  TTemporaryFolder()
+      : FPath(std::filesystem::temp_directory_path() / ("varcolin-packages-" + std::to_string(::getpid()))) {
+    std::filesystem::create_directory(FPath);
+  }
+  TTemporaryFolder(const TTemporaryFolder&) = delete;
+  TTemporaryFolder& operator=(const TTemporaryFolder&) = delete;
+  ~TTemporaryFolder() {
+    std::error_code error;
+    std::filesystem::remove_all(FPath, error);
+  }
+
+  [[nodiscard]] std::filesystem::path Write(const std::string& AName, std::string_view AText) const {
+    std::filesystem::path path = FPath / AName;
+    std::ofstream file(path, std::ios::binary);
+    if (!file.write(AText.data(), static_cast<std::streamsize>(AText.size())).flush()) {
+      throw std::runtime_error("cannot write " + path.string());
+    }
+    return path;
+  }
+
+ private:
+  std::filesystem::path FPath;
+};
+
+/// A machine with a number of servicing packages, their manifests on the disk as those of a machine image are.
+class TServicedMachine {
+ public:
+  explicit TServicedMachine(std::size_t APackages) : FPackages(APackages) {
+    TSimulatedMachine& machine = FInstalled.Machine();
+    for (std::size_t index = 0; index < FPackages.Count(); ++index) {
+      const std::u16string code = FPackages.CodeAt(index);
+      std::u16string path(PackagesFolder);
+      path.append(code).append(u".mum");
+      const std::string manifest = FPackages.ManifestAt(index);
+      machine.Files().AddHostFile(path, FFolder.Write(std::to_string(index), manifest), manifest.size());
+      FPaths.push_back(std::move(path));
+      std::u16string key(PackagesKey);
+      key.append(u"\\").append(code);
+      auto& registry = machine.Registry();
+      registry.SetTextAt(key, u"InstallClient", u"WindowsUpdateAgent");
+      registry.SetTextAt(key, u"InstallName", code + u".mum");
+      registry.SetTextAt(key, u"InstallLocation", u"\\\\?\\C:\\Windows\\SoftwareDistribution\\Download\\cab");
+      for (const char16_t* const name : {u"CurrentState", u"InstallTimeHigh", u"InstallTimeLow", u"Visibility"}) {
+        registry.SetDwordAt(key, name, 0x70);
+      }
+      registry.SetDwordAt(key + u"\\Owners", code, 0x70);
+    }
+    machine.Registry().ClearChanges();
+  }
+
+  /// Lists the updates once from nothing and gives the time of it.
+  [[nodiscard]] double ListSeconds() {
+    const TLibraryModules modules(FInstalled.Machine().Facilities());
+    auto* const location = TLocationUninstall::Location(TTypeUninstallLocation::ulVistaUpdate);
+    const double seconds = SecondsOf([&] { location->ReadLocation(); });
+    const std::size_t listed = TItemUpdate::List().Count();
+    if (listed == FPackages.UpdateCount()) return seconds;
+    throw std::runtime_error(std::to_string(listed) + " of " + std::to_string(FPackages.UpdateCount()) +
+                             " updates were listed");
+  }
+  /// Reads and parses the same manifests, and nothing more.
+  [[nodiscard]] double ParseSeconds() {
+    const TMachine facilities = FInstalled.Machine().Facilities();
+    const TComScope com(facilities.Com, ECom::Apartment);
+    return SecondsOf([&] {
+      std::vector<std::byte> data;
+      for (const std::u16string& path : FPaths) {
+        std::unique_ptr<IXmlElement> root;
+        if (facilities.Files.ReadWhole(path, SIZE_MAX, data) != WinError::Success ||
+            facilities.Xml.Parse(data, root) != WinError::Success) {
+          throw std::runtime_error("a manifest cannot be read");
+        }
+      }
+    });
+  }
+
+ private:
+  TServicingPackages FPackages;
+  TTemporaryFolder FFolder;
+  TInstalledMachine FInstalled{TSimulatedFacts{}};
+  std::vector<std::u16string> FPaths;
+};
+
+double UpdatesList() {
+  constexpr int Rounds = 9;
+  constexpr std::size_t Packages = 5'000;
+  TServicedMachine machine(Packages);
+  return RatioOfMedians(
+      Rounds, [&] { return machine.ListSeconds(); }, [&] { return machine.ParseSeconds(); });
+}
+
+double UpdatesGrowth() {
+  constexpr int Rounds = 15;
+  constexpr std::size_t Smaller = 500;
+  constexpr int Factor = 10;
+  std::unique_ptr<TServicedMachine> machine;
+  const auto secondsOf = [&](std::size_t APackages) {
+    machine.reset();
+    machine = std::make_unique<TServicedMachine>(APackages);
+    return machine->ListSeconds();
+  };
+  return RatioOfMedians(
+             Rounds, [&] { return secondsOf(Smaller * Factor); }, [&] { return secondsOf(Smaller); }) /
+         Factor;
 }
 
 /// A file of the temporary folder, removed in the end.
@@ -179,6 +293,8 @@ constexpr TFigure Figures[] = {
     {"discovery_calls_with_log/5000", EUnit::Ratio, std::nullopt, &DiscoveryCalls<5'000, true>},
     {"discovery_growth/50000", EUnit::Ratio, 1.1, &DiscoveryGrowth},
     {"registry_text_load/70MB", EUnit::Ratio, std::nullopt, &RegistryTextLoad},
+    {"updates_list/5000", EUnit::Ratio, 1.3, &UpdatesList},
+    {"updates_growth/5000", EUnit::Ratio, 1.1, &UpdatesGrowth},
     {"list_memory/5000", EUnit::Bytes, 8192, &ListMemory},
 };
 

@@ -207,6 +207,8 @@ std::string ToUtf8(std::u16string_view AText) {
 }
 
 std::u16string FromUtf8(std::string_view AText) {
+  const auto isAscii = [](char AUnit) { return static_cast<unsigned char>(AUnit) < 0x80; };
+  if (std::ranges::all_of(AText, isAscii)) return FromAscii(AText);
   std::u16string result;
   result.reserve(AText.size());
   while (!AText.empty()) {

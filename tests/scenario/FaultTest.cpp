@@ -31,7 +31,12 @@ constexpr const char* Machine =
     "[" PRODUCTS
     "8765432143214321214321436587A9CB\\Patches\\00000000000000000000000000000010]\n\"DisplayName\"=\"Fix\"\n"
     "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\HotFix\\KB123456]\n\"Installed\"=dword:1\n"
-    "[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\D]\n\"DisplayName\"=\"D\"\n";
+    "[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\D]\n\"DisplayName\"=\"D\"\n"
+    "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Component Based Servicing\\Packages\\P]\n"
+    "\"CurrentState\"=dword:70\n";
+
+constexpr std::string_view Manifest =
+    "<assembly displayName='Fix'><assemblyIdentity name='P'/><package identifier='K' releaseType='Hotfix'/></assembly>";
 
 /// Whether every title of a part stands in the whole.
 bool IsSubset(TLines APart, TLines AWhole) {
@@ -47,6 +52,7 @@ TEST_P(FaultTest, NoFailedCallLosesMoreThanWhatItReads) {
   for (bool injected = true; injected; ++number) {
     TSession session;
     session.Machine().Files().AddFile(u"C:\\T\\u.exe", "content");
+    session.Machine().Files().AddFile(u"C:\\Windows\\Servicing\\Packages\\P.mum", Manifest);
     session.Reg(Machine);
     std::atomic<bool> isArmed{false};
     // a sibling library that cannot be loaded ends the process, which is another test's
@@ -70,6 +76,8 @@ TEST_P(FaultTest, NoFailedCallLosesMoreThanWhatItReads) {
     TLines again = session.ProgramTitles();
     std::sort(again.begin(), again.end());
     EXPECT_EQ(again, programs) << "after call " << number;
+    const TLines updates = session.UpdateTitles();
+    EXPECT_EQ(std::count(updates.begin(), updates.end(), "Fix P (7) <Windows 7>"), 1) << "after call " << number;
     session.Unload();
     EXPECT_EQ(session.Machine().OpenHandleCount(), 0U) << "call " << number;
   }

@@ -133,6 +133,10 @@ bool MatchesPattern(std::u16string_view APattern, std::u16string_view AName) {
     const bool hasDot = AName.find(u'.') != std::u16string_view::npos && AName != u"." && AName != u"..";
     return !hasDot && MatchesPattern(APattern.substr(0, APattern.size() - 1), AName);
   }
+  // what nearly every caller asks for: names that end with something
+  if (APattern.starts_with(u'*') && !APattern.ends_with(u'.') && std::ranges::none_of(APattern.substr(1), IsWildcard)) {
+    return EndsText(APattern.substr(1), AName);
+  }
   // states[i]: the first i units of the pattern may have taken all of the name read so far
   std::vector<bool> states(APattern.size() + 1), next;
   const auto isDotBeforeWildcard = [&](std::size_t AAt) {

@@ -1,7 +1,9 @@
 #include "platform/simulated/SimulatedXml.h"
 
+#include <algorithm>
 #include <pugixml.hpp>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/simulated/SimulatedCom.h"
@@ -13,24 +15,33 @@ namespace {
 
 constexpr TWinError ComNotInitialized = 0x800401F0;  // CO_E_NOTINITIALIZED
 
+/// Whether a name of the parser is AName; ASCII, as nearly every name is, is compared without a copy.
+bool SameName(std::string_view AParsed, std::u16string_view AName) {
+  const auto isSame = [](char AFirst, char16_t ASecond) {
+    return static_cast<unsigned char>(AFirst) < 0x80 && static_cast<char16_t>(AFirst) == ASecond;
+  };
+  return std::ranges::equal(AParsed, AName, isSame) || (AParsed.size() > AName.size() && FromUtf8(AParsed) == AName);
+}
+
 class TElement : public IXmlElement {
  public:
   explicit TElement(pugi::xml_node ANode) noexcept : FNode(ANode) {}
 
   [[nodiscard]] std::u16string Name() const override { return FromUtf8(FNode.name()); }
   [[nodiscard]] bool GetAttribute(std::u16string_view AName, std::u16string& AValue) const override {
-    const pugi::xml_attribute attribute = FNode.attribute(ToUtf8(AName).c_str());
-    if (!attribute) return false;
-    AValue = FromUtf8(attribute.value());
-    return true;
+    for (const pugi::xml_attribute attribute : FNode.attributes()) {
+      if (!SameName(attribute.name(), AName)) continue;
+      AValue = FromUtf8(attribute.value());
+      return true;
+    }
+    return false;
   }
   [[nodiscard]] std::unique_ptr<IXmlElement> FirstChild() const override { return FirstElement(FNode.first_child()); }
   [[nodiscard]] std::unique_ptr<IXmlElement> NextSibling() const override { return FirstElement(FNode.next_sibling()); }
   [[nodiscard]] std::unique_ptr<IXmlElement> FindChild(std::u16string_view AName) const override {
-    const std::string name = ToUtf8(AName);
     for (pugi::xml_node node = FNode.first_child(); node; node = node.next_sibling()) {
       // the name alone would do for an instruction too
-      if (node.type() == pugi::node_element && name == node.name()) return std::make_unique<TElement>(node);
+      if (node.type() == pugi::node_element && SameName(node.name(), AName)) return std::make_unique<TElement>(node);
     }
     return nullptr;
   }
