@@ -141,7 +141,6 @@ class TServicedMachine {
       path.append(code).append(u".mum");
       const std::string manifest = FPackages.ManifestAt(index);
       machine.Files().AddHostFile(path, FFolder.Write(std::to_string(index), manifest), manifest.size());
-      FPaths.push_back(std::move(path));
       std::u16string key(PackagesKey);
       key.append(u"\\").append(code);
       auto& registry = machine.Registry();
@@ -166,13 +165,20 @@ class TServicedMachine {
     throw std::runtime_error(std::to_string(listed) + " of " + std::to_string(FPackages.UpdateCount()) +
                              " updates were listed");
   }
-  /// Reads and parses the same manifests, and nothing more.
+  /// Finds, reads and parses the same manifests, and nothing more.
   [[nodiscard]] double ParseSeconds() {
     const TMachine facilities = FInstalled.Machine().Facilities();
     const TComScope com(facilities.Com, ECom::Apartment);
     return SecondsOf([&] {
       std::vector<std::byte> data;
-      for (const std::u16string& path : FPaths) {
+      std::u16string pattern(PackagesFolder);
+      pattern.append(u"*.mum");
+      TFindHandle walk;
+      TFoundFile file;
+      for (TWinError error = facilities.Files.FindFirst(pattern, walk, file); error == WinError::Success;
+           error = facilities.Files.FindNext(walk, file)) {
+        std::u16string path(PackagesFolder);
+        path.append(file.Name);
         std::unique_ptr<IXmlElement> root;
         if (facilities.Files.ReadWhole(path, SIZE_MAX, data) != WinError::Success ||
             facilities.Xml.Parse(data, root) != WinError::Success) {
@@ -186,7 +192,6 @@ class TServicedMachine {
   TServicingPackages FPackages;
   TTemporaryFolder FFolder;
   TInstalledMachine FInstalled{TSimulatedFacts{}};
-  std::vector<std::u16string> FPaths;
 };
 
 double UpdatesList() {

@@ -152,11 +152,12 @@ void TLocationVistaUpdate::ReadPackages() {
   TNameSet contained;
   TFindHandle walk;
   TFoundFile file;
+  std::vector<std::byte> buffer;
   const std::u16string pattern = FPackagesFolder + u"*" + std::u16string(Extension);
   for (TWinError error = FFiles->FindFirst(pattern, walk, file); error == WinError::Success;
        error = FFiles->FindNext(walk, file)) {
     CheckTerminated();
-    auto info = ReadPackage(packages, file.Name.substr(0, file.Name.rfind(u'.')));
+    auto info = ReadPackage(packages, file.Name.substr(0, file.Name.rfind(u'.')), buffer);
     if (!info) continue;
     for (std::u16string& name : info->FManifest->ContainedNames) contained.insert(std::move(name));
     info->FManifest->ContainedNames.clear();
@@ -165,16 +166,15 @@ void TLocationVistaUpdate::ReadPackages() {
   std::erase_if(FUpdateList, [&](const auto& AInfo) { return contained.contains(*AInfo->FManifest->IdentityName); });
 }
 
-std::unique_ptr<TLocationVistaUpdate::TTemporaryInfo> TLocationVistaUpdate::ReadPackage(const TRegistryKey& APackages,
-                                                                                        std::u16string ACode) const {
+std::unique_ptr<TLocationVistaUpdate::TTemporaryInfo> TLocationVistaUpdate::ReadPackage(
+    const TRegistryKey& APackages, std::u16string ACode, std::vector<std::byte>& ABuffer) const {
   auto info = std::make_unique<TTemporaryInfo>();
   if (!IsPackageInstalled(APackages, ACode, info->FIsCanUninstall)) return nullptr;
   std::u16string path = FPackagesFolder + ACode + std::u16string(Extension);
   info->FManifest = std::make_unique<TManifest>();
   try {
-    std::vector<std::byte> data;
-    if (FFiles->ReadWhole(path, LargestManifest, data) != WinError::Success ||
-        ReadManifest(*FXml, data, *info->FManifest) != WinError::Success) {
+    if (FFiles->ReadWhole(path, LargestManifest, ABuffer) != WinError::Success ||
+        ReadManifest(*FXml, ABuffer, *info->FManifest) != WinError::Success) {
       return nullptr;
     }
   } catch (const std::exception&) {

@@ -1,6 +1,7 @@
 // The location that finds the component-based-servicing packages of Windows Vista and later.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -43,8 +44,10 @@ class TLocationVistaUpdate final : public TLocationUninstall {
   void ArmWatch();
   /// Fills FUpdateList with the updates that no other one contains, in the order of the folder.
   void ReadPackages();
-  /// Reads one package; null when it is not installed, cannot be read or is no update.
-  [[nodiscard]] std::unique_ptr<TTemporaryInfo> ReadPackage(const TRegistryKey& APackages, std::u16string ACode) const;
+  /// Reads one package; null when it is not installed, cannot be read or is no update. ABuffer is memory to be used
+  /// again.
+  [[nodiscard]] std::unique_ptr<TTemporaryInfo> ReadPackage(const TRegistryKey& APackages, std::u16string ACode,
+                                                            std::vector<std::byte>& ABuffer) const;
   /// Whether a package is installed, by its key below APackages; ACanUninstall is set when it is.
   [[nodiscard]] static bool IsPackageInstalled(const TRegistryKey& APackages, std::u16string_view ACode,
                                                bool& ACanUninstall);

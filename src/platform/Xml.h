@@ -22,10 +22,11 @@ class IXmlElement {
   /// The value of an attribute, with references resolved and blanks normalised; false when the element has none of that
   /// name. Windows: IXMLDOMElement::getAttribute.
   [[nodiscard]] virtual bool GetAttribute(std::u16string_view AName, std::u16string& AValue) const = 0;
-  /// The first child element, and the next element behind this one below the same parent; null when there is none.
-  /// Windows: IXMLDOMNode::get_firstChild, get_nextSibling.
+  /// The first child element; null when there is none. Windows: IXMLDOMNode::get_firstChild.
   [[nodiscard]] virtual std::unique_ptr<IXmlElement> FirstChild() const = 0;
-  [[nodiscard]] virtual std::unique_ptr<IXmlElement> NextSibling() const = 0;
+  /// Makes this object the next element below the same parent; false, and nothing changes, when there is none. Not for
+  /// the root. Windows: IXMLDOMNode::get_nextSibling.
+  [[nodiscard]] virtual bool MoveToNext() = 0;
   /// The first child element with a name; null when there is none.
   [[nodiscard]] virtual std::unique_ptr<IXmlElement> FindChild(std::u16string_view AName) const = 0;
 };

@@ -51,7 +51,8 @@ TWinError ReadManifest(IXml& AXml, std::span<const std::byte> AData, TManifest& 
     if (const auto package = assembly->FindChild(Package)) {
       manifest.Identifier = TextIfAny(*package, u"identifier");
       manifest.ReleaseTypeName = TextIfAny(*package, u"releaseType");
-      for (auto child = package->FirstChild(); child; child = child->NextSibling()) {
+      const auto child = package->FirstChild();
+      for (bool more = child != nullptr; more; more = child->MoveToNext()) {
         if (!SameText(child->Name(), u"update")) continue;
         if (auto name = ContainedName(*child)) manifest.ContainedNames.push_back(*std::move(name));
       }

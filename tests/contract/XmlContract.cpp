@@ -37,7 +37,8 @@ class XmlContract : public ::testing::Test {
   static std::string TreeOf(const IXmlElement& AElement) {
     std::string text = ToUtf8(AElement.Name());
     std::string children;
-    for (auto child = AElement.FirstChild(); child; child = child->NextSibling()) children += " " + TreeOf(*child);
+    const auto child = AElement.FirstChild();
+    for (bool more = child != nullptr; more; more = child->MoveToNext()) children += " " + TreeOf(*child);
     return children.empty() ? text : text + "[" + children.substr(1) + "]";
   }
 };
@@ -54,7 +55,10 @@ TEST_F(XmlContract, ElementsAreFoundAmongEverythingElse) {
   EXPECT_FALSE(root->FindChild(u"c")) << "no child of its own";
   EXPECT_FALSE(root->FindChild(u"target")) << "an instruction is no element";
   EXPECT_FALSE(root->FindChild(u""));
-  EXPECT_FALSE(root->NextSibling());
+  const auto last = root->FindChild(u"Package");
+  EXPECT_TRUE(last->MoveToNext());
+  EXPECT_FALSE(last->MoveToNext());
+  EXPECT_EQ(Attribute(last.get(), u"n"), "3") << "behind the last one nothing moves";
   EXPECT_FALSE(root->FindChild(u"Package")->FirstChild());
 }
 

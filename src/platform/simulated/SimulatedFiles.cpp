@@ -193,7 +193,7 @@ TWinError TSimulatedFiles::FindFirst(std::u16string_view APattern, TFindHandle& 
       }
     }
     if (walk.Files.empty()) return WinError::FileNotFound;
-    AFile = walk.Files.front();
+    AFile = std::move(walk.Files.front());
     walk.Next = 1;
     handle = FWalks.Add(std::move(walk));
   }
@@ -206,7 +206,7 @@ TWinError TSimulatedFiles::FindNext(const TFindHandle& AHandle, TFoundFile& AFil
   TWalk* const walk = FWalks.Find(AHandle.Value());
   if (walk == nullptr) return WinError::InvalidHandle;
   if (walk->Next >= walk->Files.size()) return WinError::NoMoreFiles;
-  AFile = walk->Files[walk->Next++];
+  AFile = std::move(walk->Files[walk->Next++]);
   return WinError::Success;
 }
 
@@ -431,22 +431,10 @@ TSimulatedFiles::TNode& TSimulatedFiles::AddNode(TNode& AParent, std::u16string_
 }
 
 void TSimulatedFiles::Log(EFileChange AKind, const TFound& AFound) {
+  using namespace FileNotify;
+  static constexpr std::uint32_t Changes[] = {Size | LastWrite, FileName, FolderName, FolderName, Attributes};
   FChanges.push_back({AKind, AFound.Path.Text()});
-  const auto change = [&]() -> std::uint32_t {
-    switch (AKind) {
-      case EFileChange::Written:
-        return FileNotify::Size | FileNotify::LastWrite | (AFound.IsNew ? FileNotify::FileName : 0U);
-      case EFileChange::Removed:
-        return FileNotify::FileName;
-      case EFileChange::FolderMade:
-      case EFileChange::FolderRemoved:
-        return FileNotify::FolderName;
-      case EFileChange::AttributesSet:
-        return FileNotify::Attributes;
-    }
-    return 0;
-  };
-  FWatches.Notify(AFound.Path, change());
+  FWatches.Notify(AFound.Path, Changes[static_cast<std::size_t>(AKind)] | (AFound.IsNew ? FileName : 0U));
 }
 
 TWinError TSimulatedFiles::WatchFolder(std::u16string_view APath, bool ASubtree, std::uint32_t AFilter,
@@ -515,14 +503,19 @@ TSimulatedFiles::TNode& TSimulatedFiles::Obtain(std::u16string_view APath, std::
   return *node;
 }
 
-TSimulatedFiles::TNode& TSimulatedFiles::Existing(std::u16string_view APath) {
+bool TSimulatedFiles::TryFindDirect(std::u16string_view APath, TFound& AFound) {
   TResolvedPath path;
-  TFound found;
-  if (ResolvePath(APath, u"C:\\", false, path) != WinError::Success || Find(path, false, found) != WinError::Success) {
-    throw std::invalid_argument("not on the machine: " + ToUtf8(APath));
-  }
-  return *found.Node;
+  return ResolvePath(APath, u"C:\\", false, path) == WinError::Success &&
+         Find(path, false, AFound) == WinError::Success;
 }
+
+TSimulatedFiles::TFound TSimulatedFiles::FindDirect(std::u16string_view APath) {
+  TFound found;
+  if (!TryFindDirect(APath, found)) throw std::invalid_argument("not on the machine: " + ToUtf8(APath));
+  return found;
+}
+
+TSimulatedFiles::TNode& TSimulatedFiles::Existing(std::u16string_view APath) { return *FindDirect(APath).Node; }
 
 void TSimulatedFiles::AddFolder(std::u16string_view APath) {
   const std::lock_guard lock(FMutex);
@@ -536,22 +529,16 @@ void TSimulatedFiles::AddFile(std::u16string_view APath, std::vector<std::byte> 
 
 void TSimulatedFiles::AddContent(std::u16string_view APath, TFileBytes ABytes) {
   const std::lock_guard lock(FMutex);
-  TResolvedPath path;
   TFound found;
-  const bool isOld = FWatches.Count() != 0 && ResolvePath(APath, u"C:\\", false, path) == WinError::Success &&
-                     Find(path, false, found) == WinError::Success;
+  const bool isOld = FWatches.Count() != 0 && TryFindDirect(APath, found);
   Obtain(APath, FileAttribute::Archive).SetBytes(std::move(ABytes));
   if (isOld) FWatches.Notify(found.Path, FileNotify::Size | FileNotify::LastWrite);
 }
 
 void TSimulatedFiles::RemoveAt(std::u16string_view APath) {
   const std::lock_guard lock(FMutex);
-  TResolvedPath path;
-  TFound found;
-  if (ResolvePath(APath, u"C:\\", false, path) != WinError::Success || Find(path, false, found) != WinError::Success ||
-      found.Parent == nullptr) {
-    throw std::invalid_argument("not on the machine: " + ToUtf8(APath));
-  }
+  const TFound found = FindDirect(APath);
+  if (found.Parent == nullptr) throw std::invalid_argument("a drive stays: " + ToUtf8(APath));
   const std::uint32_t change = found.Node->IsFolder() ? FileNotify::FolderName : FileNotify::FileName;
   found.Parent->Children.erase(found.Parent->Children.find(found.Path.Parts.back()));
   FWatches.Notify(found.Path, change);
@@ -622,9 +609,8 @@ void TSimulatedFiles::DropTree(std::u16string_view APath) {
 
 bool TSimulatedFiles::Contains(std::u16string_view APath) {
   const std::lock_guard lock(FMutex);
-  TResolvedPath path;
   TFound found;
-  return ResolvePath(APath, u"C:\\", false, path) == WinError::Success && Find(path, false, found) == WinError::Success;
+  return TryFindDirect(APath, found);
 }
 
 std::vector<TFileChange> TSimulatedFiles::Changes() {

@@ -123,6 +123,8 @@ class TSimulatedFiles final : public IWritableFiles {
   TWinError FindContent(std::u16string_view APath, TNode*& ANode);
   TWinError FindOrAddFile(std::u16string_view APath, TFound& AFound);
   TNode& Obtain(std::u16string_view APath, std::uint32_t AAttributes);
+  [[nodiscard]] bool TryFindDirect(std::u16string_view APath, TFound& AFound);
+  [[nodiscard]] TFound FindDirect(std::u16string_view APath);
   TNode& Existing(std::u16string_view APath);
   TNode& AddNode(TNode& AParent, std::u16string_view AName, std::uint32_t AAttributes);
   void AddContent(std::u16string_view APath, TFileBytes ABytes);

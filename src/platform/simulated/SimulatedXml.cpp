@@ -36,8 +36,15 @@ class TElement : public IXmlElement {
     }
     return false;
   }
-  [[nodiscard]] std::unique_ptr<IXmlElement> FirstChild() const override { return FirstElement(FNode.first_child()); }
-  [[nodiscard]] std::unique_ptr<IXmlElement> NextSibling() const override { return FirstElement(FNode.next_sibling()); }
+  [[nodiscard]] std::unique_ptr<IXmlElement> FirstChild() const override {
+    const pugi::xml_node child = FirstElement(FNode.first_child());
+    return child ? std::make_unique<TElement>(child) : nullptr;
+  }
+  [[nodiscard]] bool MoveToNext() override {
+    const pugi::xml_node next = FirstElement(FNode.next_sibling());
+    if (next) FNode = next;
+    return static_cast<bool>(next);
+  }
   [[nodiscard]] std::unique_ptr<IXmlElement> FindChild(std::u16string_view AName) const override {
     for (pugi::xml_node node = FNode.first_child(); node; node = node.next_sibling()) {
       // the name alone would do for an instruction too
@@ -47,9 +54,9 @@ class TElement : public IXmlElement {
   }
 
  private:
-  static std::unique_ptr<IXmlElement> FirstElement(pugi::xml_node ANode) {
+  static pugi::xml_node FirstElement(pugi::xml_node ANode) {
     while (ANode && ANode.type() != pugi::node_element) ANode = ANode.next_sibling();
-    return ANode ? std::make_unique<TElement>(ANode) : nullptr;
+    return ANode;
   }
 
   pugi::xml_node FNode;

@@ -74,32 +74,35 @@ class TElement final : public IXmlElement {
   [[nodiscard]] std::unique_ptr<IXmlElement> FirstChild() const override {
     TInterfaceRef<IXMLDOMNode> node;
     if (FAILED(FElement->get_firstChild(node.Receive()))) return nullptr;
-    return FirstElement(std::move(node));
+    auto child = FirstElement(std::move(node));
+    return child ? std::make_unique<TElement>(std::move(child)) : nullptr;
   }
-  [[nodiscard]] std::unique_ptr<IXmlElement> NextSibling() const override {
+  [[nodiscard]] bool MoveToNext() override {
     TInterfaceRef<IXMLDOMNode> node;
-    if (FAILED(FElement->get_nextSibling(node.Receive()))) return nullptr;
-    return FirstElement(std::move(node));
+    if (FAILED(FElement->get_nextSibling(node.Receive()))) return false;
+    auto next = FirstElement(std::move(node));
+    if (!next) return false;
+    FElement = std::move(next);
+    return true;
   }
   [[nodiscard]] std::unique_ptr<IXmlElement> FindChild(std::u16string_view AName) const override {
     std::unique_ptr<IXmlElement> child = FirstChild();
-    while (child && child->Name() != AName) child = child->NextSibling();
+    while (child && child->Name() != AName) {
+      if (!child->MoveToNext()) child.reset();
+    }
     return child;
   }
 
  private:
   /// ANode, or the first element behind it; what is no element does not answer to an element's interface.
-  static std::unique_ptr<IXmlElement> FirstElement(TInterfaceRef<IXMLDOMNode> ANode) {
-    while (ANode) {
-      TInterfaceRef<IXMLDOMElement> element;
-      if (SUCCEEDED(ANode->QueryInterface(IdOfElement, reinterpret_cast<void**>(element.Receive())))) {
-        return std::make_unique<TElement>(std::move(element));
-      }
+  static TInterfaceRef<IXMLDOMElement> FirstElement(TInterfaceRef<IXMLDOMNode> ANode) {
+    TInterfaceRef<IXMLDOMElement> element;
+    while (ANode && FAILED(ANode->QueryInterface(IdOfElement, reinterpret_cast<void**>(element.Receive())))) {
       TInterfaceRef<IXMLDOMNode> next;
-      if (FAILED(ANode->get_nextSibling(next.Receive()))) return nullptr;
+      if (FAILED(ANode->get_nextSibling(next.Receive()))) break;
       ANode = std::move(next);
     }
-    return nullptr;
+    return element;
   }
 
   TInterfaceRef<IXMLDOMElement> FElement;
