@@ -38,7 +38,7 @@ file(GLOB SOURCES CONFIGURE_DEPENDS tests/common/*.cpp tests/unit/*.cpp tests/co
 if(SOURCES)
   add_executable(native_tests ${SOURCES})
   target_include_directories(native_tests PRIVATE tests)
-  set_property(SOURCE tests/scenario/RealRegistryTest.cpp tests/scenario/UpdatesTest.cpp
+  set_property(SOURCE tests/scenario/RealRegistryTest.cpp tests/scenario/UpdatesTest.cpp tests/native/RealLinksTest.cpp
                ${CMAKE_SOURCE_DIR}/tests/contract/ManifestContract.cpp APPEND PROPERTY COMPILE_DEFINITIONS
                SHARED_DATA="${CMAKE_SOURCE_DIR}/../shared/data")
   target_link_libraries(native_tests PRIVATE native_root decorators nlohmann_json::nlohmann_json GTest::gtest GTest::gtest_main)

@@ -69,9 +69,9 @@ add_dependencies(varcolin ${SUITE})
 set(INSTALL_GTEST OFF CACHE INTERNAL "")
 add_subdirectory(${VARCOLIN_GOOGLETEST}/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
 file(GLOB SOURCES CONFIGURE_DEPENDS tests/unit/*.cpp tests/contract/*.cpp tests/windows/*.cpp)
-# what tests/common offers rests on the simulated machine, which the native target alone has
+# the simulated machine, and what tests/common builds on it, are there on the native target alone
 foreach(SOURCE ${SOURCES})
-  file(STRINGS ${SOURCE} SIMULATED REGEX "#include \"(common|platform/simulated)/")
+  file(STRINGS ${SOURCE} SIMULATED REGEX "#include \"(common/(RealData|Services|Session)|platform/simulated/)")
   if(SIMULATED)
     list(REMOVE_ITEM SOURCES ${SOURCE})
   endif()

@@ -36,6 +36,7 @@
 #include "services/uStatisticsLog.h"
 #include "services/uSuiteSetup.h"
 #include "support/uAxWinVersionInfo.h"
+#include "support/uShellLinkInfo.h"
 #include "support/uWindowsExt.h"
 
 namespace varcolin {
@@ -72,6 +73,10 @@ constexpr TModuleRow ModuleTable[] = {
     {[](const TMachine&) { DLLStringsLocalized::Load(); }, &DLLStringsLocalized::Unload},
     {[](const TMachine& M) { SiblingLoader::Load(M.Modules, M.Messages, M.Processes); }, &SiblingLoader::Unload},
     {[](const TMachine& M) { DLLGlobals::Load(M.System, M.Modules); }, &DLLGlobals::Unload},
+    {[](const TMachine& M) {
+       TShellLinkInfo::Load(M.Files, M.Shell, M.System, &DLLGlobals::ExtractResourceDescription);
+     },
+     &TShellLinkInfo::Unload},
     {[](const TMachine& M) { AxDebug::Load(M.Registry, M.Files, M.Modules, M.Processes); }, &AxDebug::Unload},
     {[](const TMachine& M) { LoadSuite(M.System, M.Modules, M.Sync, M.Messages); }, &NothingToUnload},
     {[](const TMachine& M) { FileUtils::Load(M.Files, M.System, M.Registry); }, &FileUtils::Unload},

@@ -81,6 +81,11 @@ class IFiles {
   [[nodiscard]] virtual TWinError ReadWhole(std::u16string_view APath, std::size_t ALimit,
                                             std::vector<std::byte>& AData) = 0;
 
+  /// The same, while nobody may write to the file or remove it. SharingViolation when somebody has it open for that;
+  /// FileTooLarge when it is larger than ALimit bytes. Windows: as ReadWhole, with FILE_SHARE_READ alone.
+  [[nodiscard]] virtual TWinError ReadWholeDenyWrite(std::u16string_view APath, std::size_t ALimit,
+                                                     std::vector<std::byte>& AData) = 0;
+
   /// The version resource of a file, as its bytes lie there. ResourceTypeNotFound and others when it has none.
   /// Windows: GetFileVersionInfoSizeW, GetFileVersionInfoW.
   [[nodiscard]] virtual TWinError ReadVersionResource(std::u16string_view APath, std::vector<std::byte>& AData) = 0;

@@ -1,6 +1,8 @@
 // What the system says of itself: version, architecture, locale, environment, time.
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -74,6 +76,10 @@ class ISystemFacts {
   /// The same by locale name ("en-US"); ProcedureNotFound before Windows Vista. Windows: GetLocaleInfoEx.
   [[nodiscard]] virtual TWinError GetLocaleTextByName(std::u16string_view ALocale, std::uint32_t AType,
                                                       std::u16string& AText) = 0;
+
+  /// UTF-16 of a text in the system's ANSI code page; bytes that mean nothing there become its default character.
+  /// NULs are text. Windows: MultiByteToWideChar (CP_ACP).
+  [[nodiscard]] virtual TWinError AnsiToText(std::span<const std::byte> ABytes, std::u16string& AText) = 0;
 
   /// Value of an environment variable; 203 (ERROR_ENVVAR_NOT_FOUND) when it is not set.
   /// Windows: GetEnvironmentVariableW.

@@ -39,6 +39,7 @@ inline constexpr TWinError MoreData = 234;
 inline constexpr TWinError NoMoreItems = 259;
 inline constexpr TWinError InvalidFolderName = 267;
 inline constexpr TWinError BadRegistryPath = 161;
+inline constexpr TWinError FileTooLarge = 223;
 inline constexpr TWinError KeyDeleted = 1018;
 inline constexpr TWinError PrivilegeNotHeld = 1314;
 inline constexpr TWinError InvalidWindowHandle = 1400;

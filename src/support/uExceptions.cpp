@@ -14,6 +14,9 @@ Exception::~Exception() = default;
 EOSError::EOSError(TWinError ACode, std::u16string_view AText)
     : Exception(Format(u"System Error.  Code: %d.\r\n%s", {static_cast<std::int32_t>(ACode), AText})), FCode(ACode) {}
 
+EFOpenError::EFOpenError(std::u16string_view AFileName, std::u16string_view AText)
+    : Exception(Format(u"Cannot open file \"%s\". %s", {AFileName, AText})) {}
+
 EAssertionFailed::EAssertionFailed(std::u16string_view AModule, int ALine)
     : Exception(Format(u"Assertion failure (%s, line %d)", {AModule, ALine})) {}
 

@@ -43,6 +43,13 @@ class EOSError final : public Exception {
   TWinError FCode;
 };
 
+/// A file that does not open: "Cannot open file "%s". %s" with its name and the system's text for the error.
+class EFOpenError final : public Exception {
+ public:
+  EFOpenError(std::u16string_view AFileName, std::u16string_view AText);
+  [[nodiscard]] std::u16string_view ClassText() const noexcept override { return u"EFOpenError"; }
+};
+
 /// A broken contract inside the library: "Assertion failure (uItemProduct, line 524)".
 class EAssertionFailed final : public Exception {
  public:

@@ -61,6 +61,17 @@ TEST_F(FilesContract, WritesReadsReplacesAndRemoves) {
   EXPECT_EQ(FactsError(path), WinError::FileNotFound);
 }
 
+TEST_F(FilesContract, ReadsAFileThatNobodyMayWriteToMeanwhile) {
+  const std::u16string path = Temp.Write(u"note.txt", BytesOf("text"));
+  TBytes data = BytesOf("untouched");
+  EXPECT_EQ(Files.ReadWholeDenyWrite(path, 3, data), WinError::FileTooLarge);
+  EXPECT_EQ(Files.ReadWholeDenyWrite(Temp / u"missing", 3, data), WinError::FileNotFound);
+  EXPECT_EQ(Files.ReadWholeDenyWrite(Temp.Path(), 3, data), WinError::AccessDenied);
+  EXPECT_EQ(data, BytesOf("untouched"));
+  EXPECT_EQ(Files.ReadWholeDenyWrite(path, 4, data), WinError::Success);
+  EXPECT_EQ(data, BytesOf("text"));
+}
+
 TEST_F(FilesContract, Appends) {
   const std::u16string path = Temp / u"log.txt";
   TBytes data;

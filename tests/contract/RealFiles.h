@@ -13,14 +13,16 @@
 
 namespace varcolin::testing {
 
-/// The files with an extension in one of the folders, and below it, in order; none where there is no such folder.
-[[nodiscard]] inline std::vector<std::filesystem::path> RealFiles(const char* AFolder, std::string_view AExtension) {
+/// The files with an extension (all of them for an empty one) in one of the folders, and below it, in order; none where
+/// there is no such folder.
+[[nodiscard]] inline std::vector<std::filesystem::path> RealFiles(const char* AFolder, std::string_view AExtension = {}) {
   const char* const named = std::getenv("VARCOLIN_TEST_DATA");
   const std::filesystem::path folder = std::filesystem::path(named != nullptr ? named : SHARED_DATA) / AFolder;
   std::vector<std::filesystem::path> files;
   if (!std::filesystem::is_directory(folder)) return files;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-    if (entry.path().extension() == AExtension) files.push_back(entry.path());
+    if (!entry.is_regular_file()) continue;
+    if (AExtension.empty() || entry.path().extension() == AExtension) files.push_back(entry.path());
   }
   std::sort(files.begin(), files.end());
   return files;

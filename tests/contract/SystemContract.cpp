@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "common/LinkBuilder.h"
 #include "contract/MachineUnderTest.h"
 #include "platform/Com.h"
 #include "platform/Modules.h"
@@ -145,6 +146,45 @@ TEST_F(SystemContract, NamesItsFolders) {
   path = u"untouched";
   EXPECT_NE(Machine.Shell.GetSpecialFolder(0x7E, path), WinError::Success);
   EXPECT_EQ(path, u"untouched");
+}
+
+TEST_F(SystemContract, NamesWhatItemIDListsLeadTo) {
+  TShellFolder desktop;
+  ASSERT_EQ(Machine.Shell.GetDesktopFolder(desktop), WinError::Success);
+  const auto nameOf = [&](const testing::TBytes& AList, std::uint32_t AForm) {
+    std::u16string name = u"failed";
+    const TWinError error = Machine.Shell.GetDisplayName(desktop, AList, AForm, name);
+    EXPECT_EQ(error == WinError::Success, name != u"failed") << error;
+    return ToUtf8(name);
+  };
+  // a file that exists, since Wine asks the disk about what it names
+  const std::u16string host = [&] {
+    std::u16string path;
+    EXPECT_EQ(Machine.System.GetWindowsFolder(path), WinError::Success);
+    return path;
+  }();
+  testing::TBytes list = testing::MakeIDList(host);
+  EXPECT_EQ(nameOf(list, DisplayNameForm::ForParsing), ToUtf8(host));
+  EXPECT_EQ(nameOf(list, DisplayNameForm::InFolder), ToUtf8(ExtractFileName(host)));
+  EXPECT_EQ(nameOf(testing::MakeIDList(u"C:\\"), DisplayNameForm::ForParsing), "C:\\");
+  list.resize(list.size() - 2);
+  EXPECT_EQ(nameOf(list, DisplayNameForm::ForParsing), ToUtf8(host)) << "without the empty item at the end";
+
+  const testing::TBytes broken[] = {{std::byte{9}, {}, std::byte{0x1F}},
+                                    {std::byte{1}, {}},
+                                    {std::byte{2}, {}},
+                                    testing::TBytes(40, std::byte{0xFF})};
+  for (const testing::TBytes& bytes : broken) EXPECT_EQ(nameOf(bytes, DisplayNameForm::ForParsing), "failed");
+}
+
+TEST_F(SystemContract, ReadsAnsiText) {
+  std::u16string text = u"before";
+  EXPECT_EQ(System.AnsiToText(std::as_bytes(std::span("C:\\x", 5)), text), WinError::Success);
+  EXPECT_EQ(text, std::u16string_view(u"C:\\x\0", 5)) << "NULs are text";
+  EXPECT_EQ(System.AnsiToText({}, text), WinError::Success);
+  EXPECT_TRUE(text.empty());
+  EXPECT_EQ(System.AnsiToText(std::as_bytes(std::span("\xE9\x80", 2)), text), WinError::Success);
+  EXPECT_EQ(text, u"\u00E9\u20AC") << "both machines have Western code pages";
 }
 
 TEST_F(SystemContract, KnowsTheKindOfSystem) {

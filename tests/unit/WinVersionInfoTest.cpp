@@ -62,6 +62,7 @@ class TFakeSystem final : public ISystemFacts, public IShell, public IModules {
   std::int32_t SystemMetric(std::int32_t AIndex) override { return Metrics[AIndex]; }
   TWinError GetLocaleText(std::uint32_t, std::uint32_t, std::u16string&) override { return Unsupported; }
   TWinError GetLocaleTextByName(std::u16string_view, std::uint32_t, std::u16string&) override { return Unsupported; }
+  TWinError AnsiToText(std::span<const std::byte>, std::u16string&) override { return Unsupported; }
   TWinError GetVariable(std::u16string_view, std::u16string&) override { return Unsupported; }
   TWinError ExpandVariables(std::u16string_view, std::u16string&) override { return Unsupported; }
   TWinError GetWindowsFolder(std::u16string&) override { return Unsupported; }
@@ -75,6 +76,11 @@ class TFakeSystem final : public ISystemFacts, public IShell, public IModules {
     AAnswer = Kinds.contains(AKind);
     return WinError::Success;
   }
+  TWinError GetDesktopFolder(TShellFolder&) override { return Unsupported; }
+  TWinError GetDisplayName(const TShellFolder&, std::span<const std::byte>, std::uint32_t, std::u16string&) override {
+    return Unsupported;
+  }
+  void CloseValue(TShellFolderTag, std::uintptr_t) noexcept override {}
 
   TWinError LoadModule(std::u16string_view, TModule&) override { return Unsupported; }
   TWinError FindExport(const TModule&, std::string_view, TProcedure&) override { return Unsupported; }

@@ -25,6 +25,10 @@ class TForwardingFiles : public TForwarding<IWritableFiles> {
                                     std::vector<std::byte>& AData) override {
     return Look("ReadWhole", APath, [&] { return Inner().ReadWhole(APath, ALimit, AData); });
   }
+  [[nodiscard]] TWinError ReadWholeDenyWrite(std::u16string_view APath, std::size_t ALimit,
+                                             std::vector<std::byte>& AData) override {
+    return Look("ReadWholeDenyWrite", APath, [&] { return Inner().ReadWholeDenyWrite(APath, ALimit, AData); });
+  }
   [[nodiscard]] TWinError ReadVersionResource(std::u16string_view APath, std::vector<std::byte>& AData) override {
     return Look("ReadVersionResource", APath, [&] { return Inner().ReadVersionResource(APath, AData); });
   }

@@ -79,6 +79,14 @@ class TForwardingShell : public TForwarding<IShell> {
   [[nodiscard]] TWinError QueryIsOS(std::uint32_t AKind, bool& AAnswer) override {
     return Look("QueryIsOS", {}, [&] { return Inner().QueryIsOS(AKind, AAnswer); });
   }
+  [[nodiscard]] TWinError GetDesktopFolder(TShellFolder& AFolder) override {
+    return Look("GetDesktopFolder", {}, [&] { return Inner().GetDesktopFolder(AFolder); });
+  }
+  [[nodiscard]] TWinError GetDisplayName(const TShellFolder& AFolder, std::span<const std::byte> AIDList,
+                                         std::uint32_t AForm, std::u16string& AName) override {
+    return Look("GetDisplayName", {}, [&] { return Inner().GetDisplayName(AFolder, AIDList, AForm, AName); });
+  }
+  void CloseValue(TShellFolderTag ATag, std::uintptr_t AFolder) noexcept override { Inner().CloseValue(ATag, AFolder); }
 };
 
 }  // namespace varcolin

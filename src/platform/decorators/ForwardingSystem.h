@@ -40,6 +40,9 @@ class TForwardingSystemFacts : public TForwarding<ISystemFacts> {
                                               std::u16string& AText) override {
     return Look("GetLocaleTextByName", ALocale, [&] { return Inner().GetLocaleTextByName(ALocale, AType, AText); });
   }
+  [[nodiscard]] TWinError AnsiToText(std::span<const std::byte> ABytes, std::u16string& AText) override {
+    return Look("AnsiToText", {}, [&] { return Inner().AnsiToText(ABytes, AText); });
+  }
   [[nodiscard]] TWinError GetVariable(std::u16string_view AName, std::u16string& AValue) override {
     return Look("GetVariable", AName, [&] { return Inner().GetVariable(AName, AValue); });
   }

@@ -1,7 +1,6 @@
 #include "platform/simulated/RegistryText.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -9,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/simulated/AnsiText.h"
 #include "platform/simulated/SimulatedRegistry.h"
 #include "support/uDateTime.h"
 #include "support/uText.h"
@@ -18,17 +18,6 @@ namespace varcolin {
 namespace {
 
 enum class EEncoding { Utf16, Utf8, Ansi };
-
-// What the bytes 0x80 to 0x9F of Windows-1252 stand for; those without a meaning stay control characters.
-constexpr std::array<char16_t, 32> Ansi80 = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                             0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
-                                             0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                             0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-char16_t FromAnsi(std::byte AByte) {
-  const auto code = std::to_integer<std::uint8_t>(AByte);
-  return code >= 0x80 && code < 0xA0 ? Ansi80[code - 0x80u] : char16_t{code};
-}
 
 bool StartsWith(std::span<const std::byte> AData, std::string_view APart) {
   return AData.size() >= APart.size() && std::memcmp(AData.data(), APart.data(), APart.size()) == 0;

@@ -216,7 +216,8 @@ TWinError TSimulatedFiles::LoadBytes(std::u16string_view APath, TFileBytes& AByt
   return error;
 }
 
-TWinError TSimulatedFiles::ReadWhole(std::u16string_view APath, std::size_t ALimit, std::vector<std::byte>& AData) {
+TWinError TSimulatedFiles::ReadWithin(std::u16string_view APath, std::size_t ALimit, TWinError ATooLarge,
+                                      std::vector<std::byte>& AData) {
   TFileFacts facts;
   {
     // asked first so that a file past the limit is never read
@@ -226,13 +227,22 @@ TWinError TSimulatedFiles::ReadWhole(std::u16string_view APath, std::size_t ALim
     if (error != WinError::Success) return error;
     facts = node->Facts();
   }
-  if (facts.Size > ALimit) return WinError::NotEnoughMemory;
+  if (facts.Size > ALimit) return ATooLarge;
   TFileBytes bytes;
   const TWinError error = LoadBytes(APath, bytes);
   if (error != WinError::Success) return error;
-  if (bytes.Data.size() > ALimit) return WinError::NotEnoughMemory;
+  if (bytes.Data.size() > ALimit) return ATooLarge;
   AData.assign(bytes.Data.begin(), bytes.Data.end());
   return WinError::Success;
+}
+
+TWinError TSimulatedFiles::ReadWhole(std::u16string_view APath, std::size_t ALimit, std::vector<std::byte>& AData) {
+  return ReadWithin(APath, ALimit, WinError::NotEnoughMemory, AData);
+}
+
+TWinError TSimulatedFiles::ReadWholeDenyWrite(std::u16string_view APath, std::size_t ALimit,
+                                              std::vector<std::byte>& AData) {
+  return ReadWithin(APath, ALimit, WinError::FileTooLarge, AData);
 }
 
 TWinError TSimulatedFiles::ReadVersionResource(std::u16string_view APath, std::vector<std::byte>& AData) {

@@ -55,6 +55,8 @@ class TSimulatedFiles final : public IWritableFiles {
   [[nodiscard]] TWinError FindNext(const TFindHandle& AHandle, TFoundFile& AFile) override;
   [[nodiscard]] TWinError ReadWhole(std::u16string_view APath, std::size_t ALimit,
                                     std::vector<std::byte>& AData) override;
+  [[nodiscard]] TWinError ReadWholeDenyWrite(std::u16string_view APath, std::size_t ALimit,
+                                             std::vector<std::byte>& AData) override;
   [[nodiscard]] TWinError ReadVersionResource(std::u16string_view APath, std::vector<std::byte>& AData) override;
   [[nodiscard]] TWinError DisableRedirection(std::uintptr_t& AOldValue) override;
   [[nodiscard]] TWinError RevertRedirection(std::uintptr_t AOldValue) override;
@@ -115,6 +117,10 @@ class TSimulatedFiles final : public IWritableFiles {
     std::vector<TFoundFile> Files;
     std::size_t Next = 0;
   };
+
+  /// ReadWhole, with ATooLarge for a file of more than ALimit bytes.
+  TWinError ReadWithin(std::u16string_view APath, std::size_t ALimit, TWinError ATooLarge,
+                       std::vector<std::byte>& AData);
 
   // all of these need the lock
   TWinError Resolve(std::u16string_view APath, bool AWildcards, TResolvedPath& AResult);

@@ -29,7 +29,8 @@ TMachine TSimulatedMachine::Facilities() noexcept {
 
 std::size_t TSimulatedMachine::OpenHandleCount() {
   return FSync.OpenHandleCount() + FRegistry.OpenHandleCount() + FFiles.OpenHandleCount() + FModules.OpenHandleCount() +
-         FIcons.OpenHandleCount() + FProcesses.OpenHandleCount() + FStarts.OpenHandleCount() + FCom.OpenHandleCount();
+         FShell.OpenHandleCount() + FIcons.OpenHandleCount() + FProcesses.OpenHandleCount() +
+         FStarts.OpenHandleCount() + FCom.OpenHandleCount();
 }
 
 void TSimulatedMachine::SetHostPath(std::u16string_view APath) {

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "support/uGuid.h"
 #include "support/uPaths.h"
 
 namespace varcolin {
@@ -65,7 +66,85 @@ constexpr TSpecialFolder Folders[] = {
     {46, {Public, u"\\Documents"}, {Common, u"\\Documents"}},
 };
 
+// Places of the namespace: the computer with its drives, and two that stand for folders.
+constexpr TGUID ComputerPlace{0x20D04FE0, 0x3AEA, 0x1069, {0xA2, 0xD8, 0x08, 0x00, 0x2B, 0x30, 0x30, 0x9D}};
+constexpr TGUID ProfilePlace{0x59031A47, 0x3F72, 0x44A7, {0x89, 0xC5, 0x55, 0x95, 0xFE, 0x6B, 0x30, 0xEE}};
+constexpr TGUID DocumentsPlace{0x450D8FBA, 0xAD25, 0x11D0, {0x98, 0xA8, 0x08, 0x00, 0x36, 0x1B, 0x11, 0x03}};
+constexpr std::int32_t Documents = 5;
+constexpr std::uintptr_t DesktopFolder = 0x50000;
+
 }  // namespace
+
+TWinError TSimulatedShell::GetDesktopFolder(TShellFolder& AFolder) {
+  ++FOpenFolders;
+  AFolder = TShellFolder(*this, DesktopFolder);
+  return WinError::Success;
+}
+
+void TSimulatedShell::CloseValue(TShellFolderTag, std::uintptr_t) noexcept { --FOpenFolders; }
+
+TWinError TSimulatedShell::GetDisplayName(const TShellFolder& AFolder, std::span<const std::byte> AIDList,
+                                          std::uint32_t AForm, std::u16string& AName) {
+  if (AFolder.Value() != DesktopFolder) return WinError::InvalidHandle;
+  std::vector<TShellItem> items;
+  if (!DecodeIDList(AIDList, items)) return WinError::InvalidParameter;
+  if (AForm == DisplayNameForm::ForParsing) return GetParsingName(items, AName);
+  return AForm == DisplayNameForm::InFolder ? GetNameInFolder(items, AName) : WinError::NotSupported;
+}
+
+TWinError TSimulatedShell::GetParsingName(std::span<const TShellItem> AItems, std::u16string& AName) {
+  std::u16string path;
+  if (const TWinError error = GetSpecialFolder(SpecialFolder::Desktop, path); error != WinError::Success) return error;
+  for (const TShellItem& item : AItems) {
+    switch (item.Kind) {
+      case EShellItem::Guid:
+        if (item.Guid == ProfilePlace || item.Guid == DocumentsPlace) {
+          const std::int32_t folder = item.Guid == ProfilePlace ? SpecialFolder::Profile : Documents;
+          if (const TWinError error = GetSpecialFolder(folder, path); error != WinError::Success) return error;
+        } else {
+          // a place in a place is named by both
+          path = (path.starts_with(u"::") ? path + u"\\" : std::u16string()) + u"::" + GuidToText(item.Guid);
+        }
+        break;
+      case EShellItem::Drive:
+      case EShellItem::Network:
+        path = item.Name;
+        break;
+      case EShellItem::File:
+        if (path.starts_with(u"::")) return WinError::NotSupported;  // what lies there, the simulator does not know
+        path = IncludeTrailingPathDelimiter(path) + item.Name;
+        break;
+      case EShellItem::Unknown:
+        return WinError::NotSupported;
+    }
+  }
+  AName = std::move(path);
+  return WinError::Success;
+}
+
+TWinError TSimulatedShell::GetNameInFolder(std::span<const TShellItem> AItems, std::u16string& AName) const {
+  if (AItems.empty()) {
+    AName = u"Desktop";
+    return WinError::Success;
+  }
+  const TShellItem& item = AItems.back();
+  switch (item.Kind) {
+    case EShellItem::Guid:
+      AName = item.Guid == ComputerPlace ? (FFacts.IsVista() ? u"Computer" : u"My Computer")
+                                         : u"::" + GuidToText(item.Guid);
+      return WinError::Success;
+    case EShellItem::Drive:
+      AName = u"Local Disk (" + std::u16string(ExcludeTrailingPathDelimiter(item.Name)) + u")";
+      return WinError::Success;
+    case EShellItem::Network:
+    case EShellItem::File:
+      AName = ExtractFileName(ExcludeTrailingPathDelimiter(item.Name));
+      return WinError::Success;
+    case EShellItem::Unknown:
+      break;
+  }
+  return WinError::NotSupported;
+}
 
 TWinError TSimulatedShell::GetSpecialFolder(std::int32_t ACsidl, std::u16string& APath) {
   constexpr std::int32_t SystemX86 = 41;

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/simulated/AnsiText.h"
 #include "platform/simulated/Locales.h"
 #include "platform/simulated/SimulatedClock.h"
 
@@ -123,6 +124,12 @@ TWinError TSimulatedSystem::GetLocaleTextByName(std::u16string_view ALocale, std
   TLocale locale;
   if (!FindLocale(ALocale, locale)) return WinError::InvalidParameter;
   return TextOfLocale(locale, AType, AText);
+}
+
+TWinError TSimulatedSystem::AnsiToText(std::span<const std::byte> ABytes, std::u16string& AText) {
+  AText.resize(ABytes.size());
+  std::ranges::transform(ABytes, AText.begin(), FromAnsi);
+  return WinError::Success;
 }
 
 TWinError TSimulatedSystem::GetVariable(std::u16string_view AName, std::u16string& AValue) {

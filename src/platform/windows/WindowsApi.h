@@ -1,7 +1,10 @@
 // The one way to the Windows headers, and the small conversions between their types and the seam's.
 #pragma once
 
+#include <cstddef>
 #include <exception>
+#include <limits>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -83,6 +86,20 @@ template <class TContainer>
   } catch (const std::exception&) {
     return false;
   }
+}
+
+/// UTF-16 of a text in the system's ANSI code page. AText stays untouched on failure.
+[[nodiscard]] inline TWinError ReadAnsi(std::span<const std::byte> ABytes, std::u16string& AText) {
+  if (ABytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) return WinError::InvalidParameter;
+  const auto* const bytes = reinterpret_cast<const char*>(ABytes.data());
+  const auto count = static_cast<int>(ABytes.size());
+  std::u16string text;
+  if (!TryResize(text, ABytes.size())) return WinError::NotEnoughMemory;  // no code page makes more units than bytes
+  const int length = count == 0 ? 0 : MultiByteToWideChar(CP_ACP, 0, bytes, count, AsWide(text.data()), count);
+  if (length == 0 && count != 0) return LastFailure();
+  text.resize(static_cast<std::size_t>(length));
+  AText = std::move(text);
+  return WinError::Success;
 }
 
 /// Reads a text of unknown length. AFill(buffer, size in units) returns the text's length without the terminator when

@@ -48,6 +48,35 @@ template <class TCall>
   return WinError::Success;
 }
 
+/// Reads a whole file; ATooLarge is the code for one of more than ALimit bytes.
+[[nodiscard]] TWinError ReadThrough(std::u16string_view APath, DWORD AShare, std::size_t ALimit, TWinError ATooLarge,
+                                    std::vector<std::byte>& AData) {
+  const TApiText path(APath);
+  if (!path.IsWhole()) return WinError::InvalidName;
+  const TOwnedHandle file(
+      CreateFileW(path.Get(), GENERIC_READ, AShare, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+  if (file.get() == INVALID_HANDLE_VALUE) return LastFailure();
+  // A name such as COM1 opens a device, whose reading might never end.
+  if (GetFileType(file.get()) != FILE_TYPE_DISK) return WinError::InvalidName;
+  LARGE_INTEGER size;
+  if (!GetFileSizeEx(file.get(), &size)) return LastFailure();
+  if (size.QuadPart < 0 || static_cast<std::uint64_t>(size.QuadPart) > ALimit) return ATooLarge;
+
+  std::vector<std::byte> data;
+  if (!TryResize(data, static_cast<std::size_t>(size.QuadPart))) return WinError::NotEnoughMemory;
+  std::size_t done = 0;
+  while (done < data.size()) {
+    DWORD count = 0;
+    const auto wanted = static_cast<DWORD>(std::min(data.size() - done, TransferSize));
+    if (!ReadFile(file.get(), data.data() + done, wanted, &count, nullptr)) return LastFailure();
+    if (count == 0) break;  // the file has become shorter meanwhile
+    done += count;
+  }
+  data.resize(done);
+  AData = std::move(data);
+  return WinError::Success;
+}
+
 }  // namespace
 
 TWinError TWindowsFiles::GetFacts(std::u16string_view APath, TFileFacts& AFacts) {
@@ -80,30 +109,13 @@ TWinError TWindowsFiles::FindNext(const TFindHandle& AHandle, TFoundFile& AFile)
 }
 
 TWinError TWindowsFiles::ReadWhole(std::u16string_view APath, std::size_t ALimit, std::vector<std::byte>& AData) {
-  const TApiText path(APath);
-  if (!path.IsWhole()) return WinError::InvalidName;
-  const TOwnedHandle file(CreateFileW(path.Get(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                      nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-  if (file.get() == INVALID_HANDLE_VALUE) return LastFailure();
-  // A name such as COM1 opens a device, whose reading might never end.
-  if (GetFileType(file.get()) != FILE_TYPE_DISK) return WinError::InvalidName;
-  LARGE_INTEGER size;
-  if (!GetFileSizeEx(file.get(), &size)) return LastFailure();
-  if (size.QuadPart < 0 || static_cast<std::uint64_t>(size.QuadPart) > ALimit) return WinError::NotEnoughMemory;
+  return ReadThrough(APath, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, ALimit, WinError::NotEnoughMemory,
+                     AData);
+}
 
-  std::vector<std::byte> data;
-  if (!TryResize(data, static_cast<std::size_t>(size.QuadPart))) return WinError::NotEnoughMemory;
-  std::size_t done = 0;
-  while (done < data.size()) {
-    DWORD count = 0;
-    const auto wanted = static_cast<DWORD>(std::min(data.size() - done, TransferSize));
-    if (!ReadFile(file.get(), data.data() + done, wanted, &count, nullptr)) return LastFailure();
-    if (count == 0) break;  // the file has become shorter meanwhile
-    done += count;
-  }
-  data.resize(done);
-  AData = std::move(data);
-  return WinError::Success;
+TWinError TWindowsFiles::ReadWholeDenyWrite(std::u16string_view APath, std::size_t ALimit,
+                                            std::vector<std::byte>& AData) {
+  return ReadThrough(APath, FILE_SHARE_READ, ALimit, WinError::FileTooLarge, AData);
 }
 
 TWinError TWindowsFiles::ReadVersionResource(std::u16string_view APath, std::vector<std::byte>& AData) {

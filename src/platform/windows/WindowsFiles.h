@@ -13,6 +13,8 @@ class TWindowsFiles final : public IWritableFiles {
   [[nodiscard]] TWinError FindNext(const TFindHandle& AHandle, TFoundFile& AFile) override;
   [[nodiscard]] TWinError ReadWhole(std::u16string_view APath, std::size_t ALimit,
                                     std::vector<std::byte>& AData) override;
+  [[nodiscard]] TWinError ReadWholeDenyWrite(std::u16string_view APath, std::size_t ALimit,
+                                             std::vector<std::byte>& AData) override;
   [[nodiscard]] TWinError ReadVersionResource(std::u16string_view APath, std::vector<std::byte>& AData) override;
   [[nodiscard]] TWinError DisableRedirection(std::uintptr_t& AOldValue) override;
   [[nodiscard]] TWinError RevertRedirection(std::uintptr_t AOldValue) override;

@@ -98,6 +98,10 @@ TWinError TWindowsSystemFacts::GetLocaleTextByName(std::u16string_view ALocale, 
                         AText);
 }
 
+TWinError TWindowsSystemFacts::AnsiToText(std::span<const std::byte> ABytes, std::u16string& AText) {
+  return ReadAnsi(ABytes, AText);
+}
+
 TWinError TWindowsSystemFacts::GetVariable(std::u16string_view AName, std::u16string& AValue) {
   const TApiText name(AName);
   if (!name.IsWhole()) return ERROR_ENVVAR_NOT_FOUND;

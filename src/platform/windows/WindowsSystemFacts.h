@@ -17,6 +17,7 @@ class TWindowsSystemFacts final : public ISystemFacts {
   [[nodiscard]] TWinError GetLocaleText(std::uint32_t ALocale, std::uint32_t AType, std::u16string& AText) override;
   [[nodiscard]] TWinError GetLocaleTextByName(std::u16string_view ALocale, std::uint32_t AType,
                                               std::u16string& AText) override;
+  [[nodiscard]] TWinError AnsiToText(std::span<const std::byte> ABytes, std::u16string& AText) override;
   [[nodiscard]] TWinError GetVariable(std::u16string_view AName, std::u16string& AValue) override;
   [[nodiscard]] TWinError ExpandVariables(std::u16string_view AText, std::u16string& AResult) override;
   [[nodiscard]] TWinError GetWindowsFolder(std::u16string& APath) override;
