@@ -147,4 +147,18 @@ std::vector<std::string> WrapToCells(std::string_view AText, std::size_t AWidth)
   return lines;
 }
 
+void AppendProperty(std::string& AText, std::string_view ALabel, std::string_view AValue, std::size_t ALabelCells,
+                    std::size_t AWidth) {
+  constexpr std::size_t leastValueCells = 16;
+  if (AValue.empty()) return;
+  std::string lead = std::string(ALabel) + ':';
+  lead.resize(ALabelCells, ' ');
+  const bool limited = AWidth != UnlimitedCells;
+  const std::size_t width = limited ? std::max(AWidth, ALabelCells + leastValueCells) - ALabelCells : AWidth;
+  for (const std::string& line : WrapToCells(AValue, width)) {
+    AText += lead + line + '\n';
+    lead.assign(ALabelCells, ' ');
+  }
+}
+
 }  // namespace varcolin::host

@@ -29,4 +29,9 @@ inline constexpr std::size_t UnlimitedCells = static_cast<std::size_t>(-1);
 /// the blank at which a line ends is left out.
 [[nodiscard]] std::vector<std::string> WrapToCells(std::string_view AText, std::size_t AWidth);
 
+/// Appends "Label:" in ALabelCells cells and the value, made printable and wrapped so that no line takes more than
+/// AWidth cells where there is room; nothing for an empty value.
+void AppendProperty(std::string& AText, std::string_view ALabel, std::string_view AValue, std::size_t ALabelCells,
+                    std::size_t AWidth);
+
 }  // namespace varcolin::host

@@ -13,32 +13,20 @@ namespace varcolin::host {
 
 namespace {
 
-void AppendProperty(std::string& AText, std::string_view ALabel, std::string_view AValue, std::size_t AWidth) {
-  constexpr std::size_t labelCells = 16;
-  constexpr std::size_t leastValueCells = 16;
-  if (AValue.empty()) return;
-  std::string lead = std::string(ALabel) + ':';
-  lead.resize(labelCells, ' ');
-  const bool limited = AWidth != UnlimitedCells;
-  const std::size_t width = limited ? std::max(AWidth, labelCells + leastValueCells) - labelCells : AWidth;
-  for (const std::string& line : WrapToCells(AValue, width)) {
-    AText += lead + line + '\n';
-    lead.assign(labelCells, ' ');
-  }
-}
+constexpr std::size_t LabelCells = 16;
 
 std::string FormatProduct(const TProductRecord& AProduct) {
   const std::size_t width = OutputWidth();
   std::string text;
   for (const TRecordField& field : RecordFields(AProduct.Kind)) {
-    AppendProperty(text, field.Label, DescribeField(AProduct, field), width);
+    AppendProperty(text, field.Label, DescribeField(AProduct, field), LabelCells, width);
   }
   std::string actions;
   for (const std::string_view name : ActionNames(AProduct.Actions)) {
     if (!actions.empty()) actions += ", ";
     actions += name;
   }
-  AppendProperty(text, "Actions", actions, width);
+  AppendProperty(text, "Actions", actions, LabelCells, width);
   return text;
 }
 

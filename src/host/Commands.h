@@ -41,6 +41,11 @@ struct TForgetOptions {
   std::string NameOrGuid;
 };
 
+struct TLinkOptions {
+  bool Json = false;
+  std::string File;  ///< UTF-8 path on the computer that the host runs on
+};
+
 /// Lists the programs or the updates.
 int RunList(const TListOptions& AOptions);
 /// Shows all that is known of one program or update.
@@ -56,5 +61,7 @@ int RunFeatures(const TMachineImage& AMachine);
 int RunWatch(const TMachineImage& AMachine);
 /// Prints where the library's log is, and its text.
 int RunLog(const TMachineImage& AMachine);
+/// Shows what stands in a shell link file.
+int RunLink(const TLinkOptions& AOptions);
 
 }  // namespace varcolin::host

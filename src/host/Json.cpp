@@ -12,14 +12,21 @@ namespace {
 
 using TJson = nlohmann::ordered_json;
 
+/// A value in JSON.
+struct TValueConverter {
+  TJson operator()(const std::string& AText) const { return AText; }
+  TJson operator()(std::int64_t ANumber) const { return ANumber; }
+  TJson operator()(TLinkDate ADate) const {
+    std::string text = FormatIsoDateTime(ADate.Value);
+    return text.empty() ? TJson(nullptr) : TJson(std::move(text));
+  }
+};
+
 struct TConverter {
   const TProductRecord& Record;
 
   TJson operator()(std::string TProductRecord::*AMember) const { return Record.*AMember; }
-  TJson operator()(TDateTime TProductRecord::*AMember) const {
-    std::string text = FormatIsoDateTime(Record.*AMember);
-    return text.empty() ? TJson(nullptr) : TJson(std::move(text));
-  }
+  TJson operator()(TDateTime TProductRecord::*AMember) const { return TValueConverter{}(TLinkDate{Record.*AMember}); }
   TJson operator()(std::int64_t TProductRecord::*AMember) const { return Record.*AMember; }
   TJson operator()(TUsedType TProductRecord::*AMember) const { return UsageName(Record.*AMember); }
   TJson operator()(TSoftwareRating TProductRecord::*AMember) const { return RatingName(Record.*AMember); }
@@ -72,6 +79,25 @@ std::string FormatJson(EProductKind AKind, std::span<const TProductRecord> AProd
   }
   document += AProducts.empty() ? "]}\n" : "\n]}\n";
   return document;
+}
+
+std::string FormatLinkJson(const TLinkRecord& ALink) {
+  TJson sections = TJson::array();
+  for (const TLinkSection& section : ALink.Sections) {
+    TJson fields = TJson::object();
+    for (const TLinkField& field : section.Fields) {
+      fields.emplace(NameForJson(field.Name), std::visit(TValueConverter{}, field.Value));
+    }
+    sections.push_back({{"name", NameForJson(section.Name)}, {"fields", std::move(fields)}});
+  }
+  const TJson link = {{"pathName", ALink.PathName},         {"arguments", ALink.Arguments},
+                      {"description", ALink.Description},   {"workingDirectory", ALink.WorkingDirectory},
+                      {"iconLocation", ALink.IconLocation}, {"iconIndex", ALink.IconIndex},
+                      {"showCmd", ALink.ShowCmd},           {"hotKey", ALink.HotKey},
+                      {"sections", std::move(sections)}};
+  std::string document;
+  AppendEscaped(document, link.dump(-1, ' ', false, TJson::error_handler_t::replace));
+  return document + '\n';
 }
 
 }  // namespace varcolin::host

@@ -18,12 +18,16 @@ struct TRunningProcess {
   std::u16string Path;
 };
 
+/// Whether it matters to the host which machine stands behind the library.
+enum class EMachineUse { Reads, None };
+
 /// The loaded library. Every interface obtained through it is given back before it goes.
 class TLibrary {
  public:
   /// Loads the library. AMachine: UTF-8 path of a machine image; none for the built-in sample machine (native) or the
-  /// computer that this runs on (Windows, where naming an image is an error). Throws EHostError.
-  explicit TLibrary(const std::optional<std::string>& AMachine);
+  /// computer that this runs on (Windows, where naming an image is an error). The user is told when the sample machine
+  /// is read. Throws EHostError.
+  explicit TLibrary(const std::optional<std::string>& AMachine, EMachineUse AUse = EMachineUse::Reads);
   TLibrary(const TLibrary&) = delete;
   TLibrary& operator=(const TLibrary&) = delete;
   /// Stops the library and unloads it.

@@ -14,8 +14,10 @@ struct TLibrary::TModules {
   TInterfaceRef<IMachine> Machine;
 };
 
-TLibrary::TLibrary(const std::optional<std::string>& AMachine) : FModules(std::make_unique<TModules>()) {
-  if (!AMachine) WriteError("varcolin: no --machine given, reading the built-in sample machine\n");
+TLibrary::TLibrary(const std::optional<std::string>& AMachine, EMachineUse AUse)
+    : FModules(std::make_unique<TModules>()) {
+  const bool isTold = !AMachine && AUse == EMachineUse::Reads;
+  if (isTold) WriteError("varcolin: no --machine given, reading the built-in sample machine\n");
   TOleText error;
   FModules->Machine = TInterfaceRef<IMachine>(SelectMachine(AMachine ? AMachine->c_str() : nullptr, error.Receive()));
   if (!FModules->Machine) throw EHostError(ToUtf8(error.View()), ExitUsage);

@@ -65,7 +65,8 @@ struct TLibrary::TModules {
   std::map<std::u16string_view, std::unique_ptr<TModule>> Siblings;
 };
 
-TLibrary::TLibrary(const std::optional<std::string>& AMachine) : FModules(std::make_unique<TModules>()) {
+TLibrary::TLibrary(const std::optional<std::string>& AMachine, EMachineUse /*AUse*/)
+    : FModules(std::make_unique<TModules>()) {
   if (AMachine) throw EHostError("the Windows host reads the computer that it runs on, no machine image", ExitUsage);
   if (!FModules->Varcolin.IsLoaded()) {
     throw EHostError("Varcolin.dll cannot be loaded: Windows error " + std::to_string(FModules->Varcolin.Error()));

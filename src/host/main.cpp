@@ -24,6 +24,7 @@ struct TCommandLine {
   TMachineImage Features;
   TMachineImage Watch;
   TMachineImage Log;
+  TLinkOptions Link;
 };
 
 constexpr std::array<std::pair<std::string_view, ESortOrder>, 4> SortOrders{{{"name", ESortOrder::Name},
@@ -107,6 +108,10 @@ void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
 
   CLI::App* log = AApp.add_subcommand("log", "Print where the log of the library is, and its text");
   AddMachineOption(*log, ALine.Log);
+
+  CLI::App* link = AApp.add_subcommand("link", "Show what stands in a shell link file of this computer");
+  link->add_flag("--json", ALine.Link.Json, "Print one JSON document");
+  link->add_option("file", ALine.Link.File, "The file")->required()->type_name("FILE.lnk");
 }
 
 int RunCommand(CLI::App& AApp, const TCommandLine& ALine) {
@@ -119,6 +124,7 @@ int RunCommand(CLI::App& AApp, const TCommandLine& ALine) {
   if (AApp.got_subcommand("forget")) return RunForget(ALine.Forget);
   if (AApp.got_subcommand("features")) return RunFeatures(ALine.Features);
   if (AApp.got_subcommand("watch")) return RunWatch(ALine.Watch);
+  if (AApp.got_subcommand("link")) return RunLink(ALine.Link);
   return RunLog(ALine.Log);
 }
 

@@ -1,8 +1,11 @@
 #include "library/uVarcolin.h"
 
+#include <algorithm>
 #include <mutex>
+#include <vector>
 
 #include "intf/intf_Quillet.h"
+#include "library/uShellLinkFile.h"
 #include "library/uWindowsFeatures.h"
 #include "locations/uLocationUninstall.h"
 #include "products/uInterfaceGuard.h"
@@ -11,6 +14,7 @@
 #include "products/uItemUpdate.h"
 #include "services/uDLLStringsLocalized.h"
 #include "services/uLibraryList.h"
+#include "support/uText.h"
 
 namespace varcolin {
 
@@ -93,6 +97,26 @@ void VARCOLIN_CALL TVarcolin::Stop() {
 
 void VARCOLIN_CALL TVarcolin::SetStrings(IStringList* AStrings) {
   GuardInterface([&] { DLLStringsLocalized::SetStrings(AStrings); });
+}
+
+void VARCOLIN_CALL TVarcolin::ReadLink(const char16_t* AFileName, const void* AData, std::int64_t ASize,
+                                       TOleString* AError, IShellLinkFile** AResult) {
+  if (AError != nullptr) *AError = nullptr;
+  if (AResult == nullptr) return;
+  *AResult = nullptr;
+  GuardInterface([&] {
+    try {
+      const auto* const bytes = static_cast<const std::byte*>(AData);
+      // a byte more than any link has is enough for the refusal
+      const std::int64_t most = std::int64_t{TShellLinkInfo::LargestFile} + 1;
+      const std::int64_t size = bytes == nullptr ? 0 : std::clamp<std::int64_t>(ASize, 0, most);
+      *AResult =
+          MakeObject<TShellLinkFile, IShellLinkFile>(TextOf(AFileName), std::vector<std::byte>(bytes, bytes + size))
+              .Detach();
+    } catch (const TShellLinkInfoException& error) {
+      if (AError != nullptr) *AError = AllocOleString(error.Message());
+    }
+  });
 }
 
 }  // namespace varcolin

@@ -1,13 +1,15 @@
 // The manager: the one object through which a host reaches the library.
 #pragma once
 
+#include "intf/intf_ShellLink.h"
 #include "intf/intf_Varcolin.h"
 #include "support/uInterfacedObject.h"
 
 namespace varcolin {
 
-/// Implements IVarcolin. It has no state of its own but the host's event, which is stored for the host only.
-class TVarcolin final : public TInterfacedObject<IVarcolin> {
+/// Implements IVarcolin, and the reader of link files beside it. It has no state of its own but the host's event, which
+/// is stored for the host only.
+class TVarcolin final : public TInterfacedObject<IVarcolin, IShellLinkReader> {
  public:
   static void Load() noexcept;
   /// Releases the manager.
@@ -28,6 +30,8 @@ class TVarcolin final : public TInterfacedObject<IVarcolin> {
   void VARCOLIN_CALL RefreshARPCache() override;
   void VARCOLIN_CALL Stop() override;
   void VARCOLIN_CALL SetStrings(IStringList* AStrings) override;
+  void VARCOLIN_CALL ReadLink(const char16_t* AFileName, const void* AData, std::int64_t ASize, TOleString* AError,
+                              IShellLinkFile** AResult) override;
 
  private:
   static inline TInterfaceRef<IVarcolin> FManager;

@@ -9,6 +9,7 @@
 #include <ostream>
 
 #include "boundary/Host.h"
+#include "intf/intf_ShellLink.h"
 
 namespace varcolin::boundary {
 
@@ -197,6 +198,42 @@ TEST(Programs, KeepsToTheEdgesOfListAndProperties) {
   EXPECT_TRUE(product->IsNotHost());
   EXPECT_TRUE(product->IsChanged());
   EXPECT_FALSE(product->IsChanged());
+}
+
+TEST(Links, AreReadThroughTheManager) {
+  const TLibrary library;
+  TInterfaceRef<IShellLinkReader> reader;
+  ASSERT_EQ(library.Manager().QueryInterface(IShellLinkReader::IID, reinterpret_cast<void**>(reader.Receive())),
+            ResultOk);
+  EXPECT_EQ(library.GetInstance(u"{D1465CA9-77C6-49DF-929C-4E4D64730242}"), nullptr) << "the manager alone has it";
+  // a header with an icon index, and a string of two characters
+  std::string bytes("\x4C\0\0\0\x01\x14\x02\0\0\0\0\0\xC0\0\0\0\0\0\0\x46\x20\0\0\0", 24);
+  bytes.resize(76);
+  bytes[56] = '\x05';
+  bytes += std::string("\x02\0/a", 4);
+  TOleText error;
+  TInterfaceRef<IShellLinkFile> link;
+  reader->ReadLink(u"a.lnk", bytes.data(), static_cast<std::int64_t>(bytes.size()), error.Receive(), link.Receive());
+  ASSERT_TRUE(link);
+  EXPECT_TRUE(error.View().empty());
+  EXPECT_EQ(link->GetIconIndex(), 5);
+  TOleText text;
+  link->GetArguments(text.Receive());
+  EXPECT_EQ(text.View(), u"/a");
+  ASSERT_EQ(link->GetSectionCount(), 2);
+  for (const std::int32_t index : {-1, 2, INT32_MAX}) {
+    EXPECT_EQ(link->GetFieldCount(index), 0);
+    link->GetFieldName(0, index + 1000, text.Receive());
+    EXPECT_TRUE(text.View().empty());
+  }
+  for (const auto& [name, data, size] : {std::tuple<const char16_t*, const char*, std::int64_t>{u"a.txt", "", 0},
+                                         {u"a.lnk", nullptr, 100},
+                                         {u"a.lnk", "", -1},
+                                         {nullptr, "", 0}}) {
+    reader->ReadLink(name, data, size, error.Receive(), link.Receive());
+    EXPECT_FALSE(link);
+    EXPECT_FALSE(error.View().empty());
+  }
 }
 
 TEST(Programs, FollowsAnInstallationAndARemoval) {

@@ -8,10 +8,12 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "common/LinkBuilder.h"
 #include "host/Cells.h"
 #include "host/Text.h"
 
@@ -332,6 +334,95 @@ TEST(Host, PrintsTheLog) {
   EXPECT_TRUE(outcome.Output.substr(0, outcome.Output.find('\n')).ends_with("\\Logs\\Varcolin.log")) << outcome.Output;
   EXPECT_NE(outcome.Output.find("Add Program: Ember Browser ()\n"), std::string::npos);
   ExpectSafe(outcome.Output);
+}
+
+std::string AsString(const testing::TBytes& ABytes) {
+  return {reinterpret_cast<const char*>(ABytes.data()), ABytes.size()};
+}
+
+TEST(Host, ShowsWhatStandsInALinkFile) {
+  testing::TLinkBuilder builder;
+  builder.IDList(testing::MakeIDList(u"C:\\Tools\\app.exe"))
+      .LinkInfo(testing::MakeLinkInfo({.Volume = testing::MakeVolume(u"System"), .BasePath = u"C:\\Tools\\app.exe"}))
+      .Name(u"What it is for")
+      .WorkingDir(u"C:\\Work")
+      .Arguments(u"/run")
+      .IconLocation(u"%Tools%\\app.ico")
+      .Block(0xA0000009, testing::TBytes(12));
+  builder.Times[1] = 125911584000000000;
+  builder.IconIndex = -3;
+  builder.ShowCommand = 7;
+  builder.HotKey = 0x641;
+  const TTemporaryFolder folder;
+  folder.Put("n\u00E4me.LNK", AsString(builder.Build()));
+  const std::string file = folder.Name() + "/n\u00E4me.LNK";
+
+  const TOutcome json = RunHost({"link", file, "--json"});
+  EXPECT_EQ(json.ExitCode, 0);
+  EXPECT_EQ(json.Error, "");
+  auto document = nlohmann::json::parse(json.Output);
+  const auto sections = document["sections"];
+  document.erase("sections");
+  EXPECT_EQ(document, nlohmann::json::parse(R"({"pathName": "C:\\Tools\\app.exe", "arguments": "/run",
+      "description": "What it is for", "workingDirectory": "C:\\Work", "iconLocation": "%Tools%\\app.ico",
+      "iconIndex": -3, "showCmd": 7, "hotKey": 1601})"));
+  std::map<std::string, nlohmann::json> fields;
+  for (const auto& section : sections) fields[section.at("name")] = section.at("fields");
+  EXPECT_EQ(fields["header"]["accessTime"].get<std::string>().substr(0, 3), "200") << "in the machine's time zone";
+  EXPECT_TRUE(fields["header"]["creationTime"].is_null());
+  EXPECT_EQ(fields["linkTargetIDList"]["displayName"], "app.exe");
+  EXPECT_EQ(fields["linkInfo"]["driveVolumeLabel"], "System");
+  EXPECT_EQ(fields["stringData"]["arguments"], "/run");
+  EXPECT_EQ(fields["propertyStoreProps"]["size"], 20);
+
+  const TOutcome text = RunHost({"link", file});
+  EXPECT_EQ(text.ExitCode, 0);
+  for (const char* line :
+       {"Target:         C:\\Tools\\app.exe\n", "\nHeader\n", "\nLink target ID list\n", "\nLink info\n",
+        "\nString data\n", "\nProperty store props\n", "  Drive serial number:      0x1234ABCD\n"}) {
+    EXPECT_NE(text.Output.find(line), std::string::npos) << line << text.Output;
+  }
+}
+
+TEST(Host, KeepsTheTerminalAndTheDocumentSafeFromLinks) {
+  const std::u16string hostile = u"\u001B[2J\u202E\u0000\"\\\xD800\uFEFF\n" + std::u16string(1, 0xDC00) + u"end";
+  const TTemporaryFolder folder;
+  folder.Put("a.lnk", AsString(testing::TLinkBuilder()
+                                   .Arguments(hostile)
+                                   .Name(hostile)
+                                   .TextBlock(0xA0000001, u"\u001B]0;x\u0007", hostile)
+                                   .Build()));
+  for (const TArguments& arguments :
+       {TArguments{"link", folder.Name() + "/a.lnk"}, TArguments{"link", "--json", folder.Name() + "/a.lnk"}}) {
+    const TOutcome outcome = RunHost(arguments);
+    EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
+    ExpectSafe(outcome.Output);
+    if (arguments[1] == "--json") {
+      EXPECT_TRUE(nlohmann::json::parse(outcome.Output)["arguments"].get<std::string>().starts_with("\x1B[2J"));
+    }
+  }
+}
+
+TEST(Host, RefusesWhatIsNoLink) {
+  const TTemporaryFolder folder;
+  folder.Put("broken.lnk", "L\x01garbage");
+  folder.Put("huge.lnk", std::string(6 << 20, 'L'));
+  folder.Put("note.txt", "a text");
+  const std::string path = folder.Name() + "/";
+  const std::pair<TArguments, std::string> cases[] = {
+      {{"link", path + "broken.lnk"}, "Incorrect file size or format data. (" + path + "broken.lnk)"},
+      {{"link", "--json", path + "huge.lnk"}, "Incorrect file size or format data. (" + path + "huge.lnk)"},
+      {{"link", path + "note.txt"}, "Invalid file extension \".txt\", expected \".lnk\" (" + path + "note.txt)."},
+      {{"link", path + "none.lnk"}, "there is no file " + path + "none.lnk"},
+      {{"link", path}, "there is no file " + path},
+  };
+  for (const auto& [arguments, message] : cases) {
+    const TOutcome outcome = RunHost(arguments);
+    EXPECT_EQ(outcome.ExitCode, 1);
+    EXPECT_EQ(outcome.Output, "");
+    EXPECT_EQ(outcome.Error, "varcolin: " + message + "\n");
+  }
+  EXPECT_EQ(RunHost({"link"}).ExitCode, 2);
 }
 
 TEST(Host, EndsQuietlyOrLoudlyWhenOutputFails) {

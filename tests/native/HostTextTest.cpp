@@ -5,6 +5,7 @@
 
 #include "host/Cells.h"
 #include "host/Json.h"
+#include "host/LinkRecord.h"
 #include "host/LogText.h"
 #include "host/Selection.h"
 #include "host/Table.h"
@@ -105,6 +106,23 @@ TEST(HostCells, CutsAndWrapsAtCells) {
   EXPECT_EQ(WrapToCells("one two three", 8), (std::vector<std::string>{"one two", "three"}));
   EXPECT_EQ(WrapToCells("桜川桜", 3), (std::vector<std::string>{"桜", "川", "桜"}));
   EXPECT_EQ(WrapToCells("", 5), std::vector<std::string>{""});
+}
+
+TEST(HostText, NamesFieldsForPeopleAndPrograms) {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"GUID", "GUID", "guid"},
+      {"LinkFlags", "Link flags", "linkFlags"},
+      {"LinkTargetIDList", "Link target ID list", "linkTargetIDList"},
+      {"ConsoleFEProps", "Console FE props", "consoleFEProps"},
+      {"ScreenBufferSizeX", "Screen buffer size X", "screenBufferSizeX"},
+      {"IDList", "ID list", "idList"},
+      {"Size", "Size", "size"},
+      {"", "", ""},
+  };
+  for (const auto& [name, people, json] : cases) {
+    EXPECT_EQ(NameForPeople(name), people);
+    EXPECT_EQ(NameForJson(name), json);
+  }
 }
 
 TEST(HostTable, FitsEveryWidth) {
