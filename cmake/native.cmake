@@ -29,6 +29,11 @@ target_link_libraries(native_root PUBLIC library embedded_machine embedded_resou
 add_library(Varcolin SHARED src/library/Varcolin.native.cpp)
 target_link_libraries(Varcolin PRIVATE native_root)
 
+if(VARCOLIN_FUZZ)
+  include(cmake/fuzz.cmake)
+  return()
+endif()
+
 include(cmake/host.cmake)
 
 enable_testing()

@@ -167,7 +167,7 @@ def project_files():
 
 def main():
     for path in project_files():
-        if path.suffix not in TEXT_SUFFIXES or "drives" in path.parts:
+        if path.suffix not in TEXT_SUFFIXES or {"drives", "corpus"} & set(path.parts):
             continue
         try:
             lines = (ROOT / path).read_text(encoding="utf-8").splitlines()

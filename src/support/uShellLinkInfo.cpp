@@ -83,10 +83,9 @@ void TShellLinkInfo::Clear() noexcept {
 }
 
 void TShellLinkInfo::CheckExtension() const {
-  const std::u16string_view extension = ExtractFileExt(FFileName);
-  if (SameText(extension, LinkExtension)) return;
-  throw TShellLinkInfoException(
-      Format(u"Invalid file extension \"%s\", expected \"%s\" (%s).", {extension, LinkExtension, FFileName}));
+  if (EndsText(LinkExtension, FFileName)) return;
+  throw TShellLinkInfoException(Format(u"Invalid file extension \"%s\", expected \"%s\" (%s).",
+                                       {ExtractFileExt(FFileName), LinkExtension, FFileName}));
 }
 
 std::vector<std::byte> TShellLinkInfo::ReadFile() const {

@@ -133,17 +133,19 @@ inline TBytes MakeLinkInfo(const TLinkInfoContent& AContent) {
     Patch(info, AField, info.size(), 4);
     Append(info, APart);
   };
-  const auto text = [](std::u16string_view AText, bool AIsUnicode) {
+  const auto addText = [&](std::size_t AField, std::u16string_view AText, bool AIsUnicode, bool AAlways) {
     TBytes bytes;
-    if (!AText.empty()) PutText(bytes, AText, AIsUnicode);
-    return bytes;
+    if (AAlways || !AText.empty()) PutText(bytes, AText, AIsUnicode);
+    add(AField, bytes);
   };
   add(12, AContent.Volume);
-  add(16, text(AContent.BasePath, false));
+  addText(16, AContent.BasePath, false, false);
   add(20, AContent.Share);
-  add(24, text(AContent.Suffix, false));
-  add(28, text(AContent.BasePathUnicode, true));
-  add(32, text(AContent.SuffixUnicode, true));
+  addText(24, AContent.Suffix, false, true);  // every link has it, mostly empty
+  if (AContent.HeaderSize >= 0x24) {
+    addText(28, AContent.BasePathUnicode, true, false);
+    addText(32, AContent.SuffixUnicode, true, true);
+  }
   Patch(info, 0, info.size(), 4);
   return info;
 }

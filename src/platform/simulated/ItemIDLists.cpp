@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <iterator>
 #include <utility>
 
 #include "platform/simulated/AnsiText.h"
@@ -12,19 +11,22 @@
 namespace varcolin {
 namespace {
 
+using TBytes = std::span<const std::byte>;
+
 /// The ANSI text at the beginning of AData, up to its NUL.
-std::u16string AnsiText(std::span<const std::byte> AData) {
-  std::u16string text;
-  std::ranges::transform(AData.begin(), std::ranges::find(AData, std::byte{0}), std::back_inserter(text), FromAnsi);
-  return text;
+std::u16string AnsiText(TBytes AData) {
+  const TBytes text = AData.first(static_cast<std::size_t>(std::ranges::find(AData, std::byte{0}) - AData.begin()));
+  std::u16string result(text.size(), u'\0');
+  std::ranges::transform(text, result.begin(), FromAnsi);
+  return result;
 }
 
 /// The long name of a file item's extension block; empty when there is none.
-std::u16string LongName(std::span<const std::byte> AItem) {
+std::u16string LongName(TBytes AItem) {
   constexpr std::uint32_t Signature = 0xBEEF0004;
   // the last word of the item tells where its first extension block begins
   const std::size_t at = NumberAt<std::uint16_t>(AItem, AItem.size() - sizeof(std::uint16_t));
-  const std::span<const std::byte> block = BytesFrom(AItem, at);
+  const TBytes block = BytesFrom(AItem, at);
   if (NumberAt<std::uint32_t>(block, 4) != Signature) return {};
   const auto version = NumberAt<std::uint16_t>(block, 2);
   if (version < 3) return {};
@@ -32,7 +34,7 @@ std::u16string LongName(std::span<const std::byte> AItem) {
   return TextFromBytes(BytesFrom(block, name));
 }
 
-TShellItem DecodeItem(std::span<const std::byte> AItem) {
+TShellItem DecodeItem(TBytes AItem) {
   constexpr std::uint8_t UnicodeName = 0x04;
   const auto type = NumberAt<std::uint8_t>(AItem, 2);
   TShellItem item;
@@ -53,7 +55,7 @@ TShellItem DecodeItem(std::span<const std::byte> AItem) {
       }
       break;
     case 0x30: {
-      const std::span<const std::byte> name = BytesFrom(AItem, 14);
+      const TBytes name = BytesFrom(AItem, 14);
       item.Kind = EShellItem::File;
       item.Name = LongName(AItem);
       if (item.Name.empty()) item.Name = (type & UnicodeName) != 0 ? TextFromBytes(name) : AnsiText(name);
@@ -73,8 +75,10 @@ TShellItem DecodeItem(std::span<const std::byte> AItem) {
 
 }  // namespace
 
-bool DecodeIDList(std::span<const std::byte> AIDList, std::vector<TShellItem>& AItems) {
+bool DecodeIDList(TBytes AIDList, std::vector<TShellItem>& AItems) {
+  constexpr std::size_t UsualDepth = 8;
   std::vector<TShellItem> items;
+  items.reserve(UsualDepth);
   while (AIDList.size() >= sizeof(std::uint16_t)) {
     const std::size_t size = NumberAt<std::uint16_t>(AIDList, 0);
     if (size == 0) break;

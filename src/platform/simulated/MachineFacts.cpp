@@ -63,20 +63,26 @@ class TTrackedIterator {
 enum class EKind { Null, Bool, Integer, Fraction, String, Array, Object };
 
 // A JSON value that knows its line.
+struct TMember;
 struct TNode {
   EKind Kind = EKind::Null;
   std::size_t Line = 0;
   bool Bool = false;
   std::int64_t Integer = 0;
   std::string String;
-  std::vector<std::pair<std::string, TNode>> Members;  // of an object; an array's have no names
+  std::vector<TMember> Members;  // of an object; an array's have no names
 
-  [[nodiscard]] const TNode* Find(std::string_view AName) const noexcept {
-    const auto found = std::ranges::find(Members.rbegin(), Members.rend(), AName,
-                                         [](const auto& AMember) -> std::string_view { return AMember.first; });
-    return found == Members.rend() ? nullptr : &found->second;
-  }
+  [[nodiscard]] const TNode* Find(std::string_view AName) const noexcept;
 };
+struct TMember {
+  std::string Name;
+  TNode Node;
+};
+
+const TNode* TNode::Find(std::string_view AName) const noexcept {
+  const auto found = std::ranges::find(Members.rbegin(), Members.rend(), AName, &TMember::Name);
+  return found == Members.rend() ? nullptr : &found->Node;
+}
 
 // Builds the tree from the parser's events. The depth is bounded because the tree is destroyed recursively.
 class TTreeBuilder {
@@ -124,13 +130,13 @@ class TTreeBuilder {
 
  private:
   bool Add(EKind AKind) {
-    TNode& node = FOpen.back()->Members.emplace_back(std::move(FKey), TNode{}).second;
+    TNode& node = FOpen.back()->Members.emplace_back(TMember{std::move(FKey), TNode{}}).Node;
     node.Kind = AKind;
     node.Line = FPosition.Line;
     FKey.clear();
     return true;
   }
-  TNode& Last() { return FOpen.back()->Members.back().second; }
+  TNode& Last() { return FOpen.back()->Members.back().Node; }
   bool Open(EKind AKind) {
     constexpr std::size_t MaxDepth = 32;
     if (FOpen.size() > MaxDepth) throw EImageError(FFileName, FPosition.Line, u"values are nested too deeply");
@@ -196,8 +202,8 @@ class TReader {
     if (!IsFullPath(AText)) Fail(ANode, u"\"" + AText + u"\" must be the full path of a file or folder");
   }
   // The members of an array; none when it is not there.
-  [[nodiscard]] const std::vector<std::pair<std::string, TNode>>& Array(std::string_view AName) const {
-    static const std::vector<std::pair<std::string, TNode>> none;
+  [[nodiscard]] const std::vector<TMember>& Array(std::string_view AName) const {
+    static const std::vector<TMember> none;
     const TNode* const node = Find(AName, EKind::Array, u"an array");
     return node != nullptr ? node->Members : none;
   }
@@ -394,7 +400,7 @@ TSimulatedFacts ParseFacts(std::span<const std::byte> AText, std::string_view AF
                                  &builder)) {
     throw EImageError(AFileName, position.Line, u"the text is no JSON document");
   }
-  const TNode& root = builder.Top().Members.front().second;
+  const TNode& root = builder.Top().Members.front().Node;
   TSimulatedFacts facts;
   const TReader reader(root, AFileName);
   if (root.Kind != EKind::Object) reader.Fail(root, u"the document must be an object");

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "support/uGuid.h"
 #include "support/uPaths.h"
@@ -73,6 +75,14 @@ constexpr TGUID DocumentsPlace{0x450D8FBA, 0xAD25, 0x11D0, {0x98, 0xA8, 0x08, 0x
 constexpr std::int32_t Documents = 5;
 constexpr std::uintptr_t DesktopFolder = 0x50000;
 
+/// The special folder that a place stands for.
+std::optional<std::int32_t> FolderOf(const TShellItem& AItem) noexcept {
+  if (AItem.Kind != EShellItem::Guid) return std::nullopt;
+  if (AItem.Guid == ProfilePlace) return SpecialFolder::Profile;
+  if (AItem.Guid == DocumentsPlace) return Documents;
+  return std::nullopt;
+}
+
 }  // namespace
 
 TWinError TSimulatedShell::GetDesktopFolder(TShellFolder& AFolder) {
@@ -93,29 +103,31 @@ TWinError TSimulatedShell::GetDisplayName(const TShellFolder& AFolder, std::span
 }
 
 TWinError TSimulatedShell::GetParsingName(std::span<const TShellItem> AItems, std::u16string& AName) {
+  if (std::ranges::find(AItems, EShellItem::Unknown, &TShellItem::Kind) != AItems.end()) return WinError::NotSupported;
+  // the last item that has a path of its own makes those in front of it needless
   std::u16string path;
-  if (const TWinError error = GetSpecialFolder(SpecialFolder::Desktop, path); error != WinError::Success) return error;
-  for (const TShellItem& item : AItems) {
-    switch (item.Kind) {
-      case EShellItem::Guid:
-        if (item.Guid == ProfilePlace || item.Guid == DocumentsPlace) {
-          const std::int32_t folder = item.Guid == ProfilePlace ? SpecialFolder::Profile : Documents;
-          if (const TWinError error = GetSpecialFolder(folder, path); error != WinError::Success) return error;
-        } else {
-          // a place in a place is named by both
-          path = (path.starts_with(u"::") ? path + u"\\" : std::u16string()) + u"::" + GuidToText(item.Guid);
-        }
-        break;
-      case EShellItem::Drive:
-      case EShellItem::Network:
-        path = item.Name;
-        break;
-      case EShellItem::File:
-        if (path.starts_with(u"::")) return WinError::NotSupported;  // what lies there, the simulator does not know
-        path = IncludeTrailingPathDelimiter(path) + item.Name;
-        break;
-      case EShellItem::Unknown:
-        return WinError::NotSupported;
+  auto item = std::ranges::find_if(AItems.rbegin(), AItems.rend(), [](const TShellItem& AItem) {
+                return AItem.Kind == EShellItem::Drive || AItem.Kind == EShellItem::Network || FolderOf(AItem);
+              }).base();
+  if (item == AItems.begin()) {
+    if (const TWinError error = GetSpecialFolder(SpecialFolder::Desktop, path); error != WinError::Success) {
+      return error;
+    }
+  } else if (const std::optional<std::int32_t> folder = FolderOf(*(item - 1))) {
+    if (const TWinError error = GetSpecialFolder(*folder, path); error != WinError::Success) return error;
+  } else {
+    path = (item - 1)->Name;
+  }
+  bool isPlace = false;
+  for (; item != AItems.end(); ++item) {
+    if (item->Kind == EShellItem::Guid) {
+      // a place in a place is named by both
+      path = (isPlace ? path + u"\\" : std::u16string()) + u"::" + GuidToText(item->Guid);
+      isPlace = true;
+    } else {
+      if (isPlace) return WinError::NotSupported;  // what lies there, the simulator does not know
+      if (!path.ends_with(u'\\')) path += u'\\';
+      path += item->Name;
     }
   }
   AName = std::move(path);
