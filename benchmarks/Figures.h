@@ -4,11 +4,18 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <string_view>
 
 namespace varcolin::benchmarks {
 
 enum class EUnit { Ratio, Bytes };
+
+/// Raised by a figure that cannot be measured on this computer; the message says why.
+class TSkipped : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
 
 /// One measured figure and the bound that it must not exceed.
 struct TFigure {
@@ -19,7 +26,8 @@ struct TFigure {
 };
 
 /// Measures the figures whose names begin with ABeginning and prints a line for each: "NAME/SIZE ratio=1.12
-/// bound=1.30". The program's exit code: 0, or 1 when a bound is broken. Exceptions of a figure pass.
+/// bound=1.30". A figure that is skipped has a line on the error stream instead. The program's exit code: 0, or 1 when
+/// a bound is broken. Other exceptions of a figure pass.
 [[nodiscard]] int RunFigures(std::span<const TFigure> AFigures, std::string_view ABeginning);
 
 /// Runs both in turn ARounds times, each once before that to warm up, and gives the median of the first one's results

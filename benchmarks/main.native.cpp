@@ -16,6 +16,7 @@
 
 #include "benchmarks/Allocations.native.h"
 #include "benchmarks/Figures.h"
+#include "benchmarks/LinkFiles.native.h"
 #include "benchmarks/ListPhase.h"
 #include "benchmarks/ServicingPackages.h"
 #include "benchmarks/UninstallKeys.h"
@@ -291,6 +292,28 @@ double ListMemory() {
   return static_cast<double>(peak) / Programs;
 }
 
+constexpr std::size_t LinkCount = 10'000;
+
+/// Written once for all figures: making so many files takes longer than measuring.
+const TLinkFiles& Links() {
+  static const TLinkFiles files(LinkCount);
+  return files;
+}
+
+double LinkParse() {
+  constexpr int Rounds = 9;
+  const TLinkFiles& files = Links();
+  return RatioOfMedians(
+      Rounds, [&] { return files.ParseSeconds(); }, [&] { return files.ReadSeconds(); });
+}
+
+double LinkParseLiblnk() {
+  const TLinkFiles& files = Links();
+  const double theirs = files.LiblnkSeconds();
+  return RatioOfMedians(
+      5, [&] { return files.ParseSeconds(); }, [&] { return theirs; });
+}
+
 constexpr TFigure Figures[] = {
     {"discovery_calls/500", EUnit::Ratio, 2.0, &DiscoveryCalls<500>},
     {"discovery_calls/5000", EUnit::Ratio, 2.0, &DiscoveryCalls<5'000>},
@@ -300,6 +323,8 @@ constexpr TFigure Figures[] = {
     {"registry_text_load/70MB", EUnit::Ratio, std::nullopt, &RegistryTextLoad},
     {"updates_list/5000", EUnit::Ratio, 2.0, &UpdatesList},
     {"updates_growth/5000", EUnit::Ratio, std::nullopt, &UpdatesGrowth},
+    {"link_parse/10000", EUnit::Ratio, 1.5, &LinkParse},
+    {"link_parse_liblnk/10000", EUnit::Ratio, 0.2, &LinkParseLiblnk},
     {"list_memory/5000", EUnit::Bytes, 8192, &ListMemory},
 };
 
