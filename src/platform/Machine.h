@@ -17,6 +17,7 @@ class ITopWindows;
 class IMessageBoxes;
 class ICom;
 class IXml;
+class IAppManager;
 
 /// References to the facilities of one machine, which outlives them.
 struct TMachine {
@@ -33,6 +34,7 @@ struct TMachine {
   IMessageBoxes& Messages;
   ICom& Com;
   IXml& Xml;
+  IAppManager& Apps;
 };
 
 }  // namespace varcolin

@@ -1,4 +1,4 @@
-// Events, named mutexes, waiting and the tick count.
+// Events, named mutexes, waiting, the tick count and the priority of threads.
 #pragma once
 
 #include <span>
@@ -33,6 +33,11 @@ class TWaitable {
   std::uintptr_t FValue;
 };
 
+/// How much of the processor a thread gets beside others (Windows: SetThreadPriority).
+namespace ThreadPriority {
+inline constexpr std::int32_t Lowest = -2;
+}  // namespace ThreadPriority
+
 class ISync {
  public:
   virtual ~ISync() = default;
@@ -52,6 +57,9 @@ class ISync {
   virtual void SleepFor(std::uint32_t ATime) = 0;
   /// Milliseconds since the system started, modulo 2^32. Windows: GetTickCount.
   [[nodiscard]] virtual std::uint32_t TickCount() = 0;
+
+  /// Gives the calling thread another priority (ThreadPriority). Windows: SetThreadPriority on GetCurrentThread.
+  [[nodiscard]] virtual TWinError SetOwnPriority(std::int32_t APriority) = 0;
 
   /// Creates or opens a named mutex without taking it. AExisted: whether it existed already. Windows: CreateMutexW.
   [[nodiscard]] virtual TWinError MakeNamedMutex(std::u16string_view AName, TNamedMutex& AMutex, bool& AExisted) = 0;

@@ -65,6 +65,13 @@ TEST_F(SyncContract, SignalReachesEveryWaitingThread) {
   EXPECT_EQ(results[1], EWaitResult::Signaled);
 }
 
+TEST_F(SyncContract, AThreadMayLowerItsPriority) {
+  std::thread([this] {
+    EXPECT_EQ(Sync.SetOwnPriority(ThreadPriority::Lowest), WinError::Success);
+    EXPECT_EQ(Sync.SetOwnPriority(99), WinError::InvalidParameter);
+  }).join();
+}
+
 TEST_F(SyncContract, MutexExistsAsLongAsAHandleIsOpen) {
   TNamedMutex missing;
   EXPECT_EQ(Sync.OpenNamedMutex(MutexName, missing), WinError::FileNotFound);

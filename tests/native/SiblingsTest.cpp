@@ -177,7 +177,7 @@ TEST_F(Siblings, VersionLanguage) {
   const TMachine all = FMachine.Facilities();
   TVersionedFiles files(all.Files);
   TSiblingLibraries::Load(TMachine{all.Sync, all.Registry, files, all.System, all.Modules, all.Shell, all.Icons,
-                                   all.Processes, all.Starts, all.Windows, all.Messages, all.Com, all.Xml});
+                                   all.Processes, all.Starts, all.Windows, all.Messages, all.Com, all.Xml, all.Apps});
   const std::pair<testing::TBytes, std::string_view> cases[] = {
       {testing::Resource({testing::Translations({{0x0409, 0x04B0}})}), "English (United States)"},
       {testing::Resource({testing::Translations({{0, 0x04B0}})}), ""},

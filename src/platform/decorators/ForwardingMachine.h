@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/Machine.h"
+#include "platform/decorators/ForwardingAppManager.h"
 #include "platform/decorators/ForwardingFiles.h"
 #include "platform/decorators/ForwardingModules.h"
 #include "platform/decorators/ForwardingPrograms.h"
@@ -12,8 +13,8 @@
 namespace varcolin {
 
 /// Puts a gate in front of a machine's registry, files, system facts, modules, shell, icons, processes, program
-/// starts, windows and XML parser. Waiting, message boxes and COM pass as they are. The inner machine and the gate
-/// outlive it.
+/// starts, windows, XML parser and application manager. Waiting, message boxes and COM pass as they are. The inner
+/// machine and the gate outlive it.
 class TForwardingMachine {
  public:
   TForwardingMachine(const TMachine& AInner, ICallGate& AGate)
@@ -27,11 +28,12 @@ class TForwardingMachine {
         FProcesses(AInner.Processes, AGate),
         FStarts(AInner.Starts, AGate),
         FWindows(AInner.Windows, AGate),
-        FXml(AInner.Xml, AGate) {}
+        FXml(AInner.Xml, AGate),
+        FApps(AInner.Apps, AGate) {}
 
   [[nodiscard]] TMachine Facilities() noexcept {
     return {FInner.Sync, FRegistry, FFiles,   FSystem,         FModules,   FShell, FIcons,
-            FProcesses,  FStarts,   FWindows, FInner.Messages, FInner.Com, FXml};
+            FProcesses,  FStarts,   FWindows, FInner.Messages, FInner.Com, FXml, FApps};
   }
 
  private:
@@ -46,6 +48,7 @@ class TForwardingMachine {
   TForwardingProcessStart FStarts;
   TForwardingTopWindows FWindows;
   TForwardingXml FXml;
+  TForwardingAppManager FApps;
 };
 
 }  // namespace varcolin

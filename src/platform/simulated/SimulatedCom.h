@@ -35,7 +35,6 @@ class TSimulatedCom final : public ICom {
     const std::lock_guard lock(FMutex);
     return FThreads.contains(std::this_thread::get_id());
   }
-
   /// Threads that have joined and not left yet, and calls of LeaveCom without a JoinCom; 0 when all is in balance.
   [[nodiscard]] std::size_t OpenHandleCount() {
     const std::lock_guard lock(FMutex);

@@ -17,20 +17,21 @@ TSimulatedMachine::TSimulatedMachine(const TSimulatedFacts& AFacts)
       FProcesses(FClock, FFacts),
       FWindows(FIcons),
       FStarts({FClock, FFiles, FModules, FProcesses, FRegistry, FWindows}),
-      FXml(FCom) {
+      FXml(FCom),
+      FApps(FClock, FCom) {
   AddStandardFolders();
   for (const TSimulatedProgram& program : FFacts.Programs) FStarts.Describe(program);
 }
 
 TMachine TSimulatedMachine::Facilities() noexcept {
   return {FSync,      FRegistry, FFiles,   FSystem,   FModules, FShell, FIcons,
-          FProcesses, FStarts,   FWindows, FMessages, FCom,     FXml};
+          FProcesses, FStarts,   FWindows, FMessages, FCom,     FXml, FApps};
 }
 
 std::size_t TSimulatedMachine::OpenHandleCount() {
   return FSync.OpenHandleCount() + FRegistry.OpenHandleCount() + FFiles.OpenHandleCount() + FModules.OpenHandleCount() +
          FShell.OpenHandleCount() + FIcons.OpenHandleCount() + FProcesses.OpenHandleCount() +
-         FStarts.OpenHandleCount() + FCom.OpenHandleCount();
+         FStarts.OpenHandleCount() + FCom.OpenHandleCount() + FApps.OpenHandleCount();
 }
 
 void TSimulatedMachine::SetHostPath(std::u16string_view APath) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "platform/Machine.h"
+#include "platform/simulated/SimulatedAppManager.h"
 #include "platform/simulated/SimulatedClock.h"
 #include "platform/simulated/SimulatedCom.h"
 #include "platform/simulated/SimulatedFacts.h"
@@ -47,6 +48,7 @@ class TSimulatedMachine {
   [[nodiscard]] TSimulatedProcessStart& Starts() noexcept { return FStarts; }
   [[nodiscard]] TSimulatedMessages& Messages() noexcept { return FMessages; }
   [[nodiscard]] TSimulatedCom& Com() noexcept { return FCom; }
+  [[nodiscard]] TSimulatedAppManager& Apps() noexcept { return FApps; }
 
   /// What the library holds open in all facilities together; 0 after it has unloaded.
   [[nodiscard]] std::size_t OpenHandleCount();
@@ -71,6 +73,7 @@ class TSimulatedMachine {
   TSimulatedMessages FMessages;
   TSimulatedCom FCom;
   TSimulatedXml FXml;
+  TSimulatedAppManager FApps;
 };
 
 }  // namespace varcolin

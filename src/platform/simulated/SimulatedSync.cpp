@@ -12,6 +12,8 @@ namespace {
 constexpr std::u16string_view LocalPrefix = u"Local\\";
 constexpr std::u16string_view GlobalPrefix = u"Global\\";
 
+thread_local std::int32_t ThisThreadsPriority = 0;
+
 // The name as the object table holds it: "Local\X" is X. Names are case-sensitive, their prefixes too.
 TWinError MutexName(std::u16string_view AName, std::u16string& AResult) {
   std::u16string_view rest = AName;
@@ -95,6 +97,18 @@ void TSimulatedSync::SleepFor(std::uint32_t ATime) {
   if (ATime == 0) std::this_thread::yield();
   static_cast<void>(FClock.Wait(nullptr, ATime));
 }
+
+TWinError TSimulatedSync::SetOwnPriority(std::int32_t APriority) {
+  constexpr std::int32_t idle = -15;
+  constexpr std::int32_t timeCritical = 15;
+  const bool isKnown = (APriority >= ThreadPriority::Lowest && APriority <= -ThreadPriority::Lowest) ||
+                       APriority == idle || APriority == timeCritical;
+  if (!isKnown) return WinError::InvalidParameter;
+  ThisThreadsPriority = APriority;
+  return WinError::Success;
+}
+
+std::int32_t TSimulatedSync::OwnPriority() noexcept { return ThisThreadsPriority; }
 
 TWinError TSimulatedSync::MakeNamedMutex(std::u16string_view AName, TNamedMutex& AMutex, bool& AExisted) {
   std::u16string name;

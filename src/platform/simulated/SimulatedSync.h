@@ -1,4 +1,4 @@
-// Events and named mutexes of a simulated machine.
+// Events, named mutexes and thread priorities of a simulated machine.
 #pragma once
 
 #include <cstddef>
@@ -26,6 +26,7 @@ class TSimulatedSync final : public ISync {
   [[nodiscard]] EWaitResult WaitForAny(std::span<const TWaitable> AHandles, std::uint32_t ATimeout) override;
   void SleepFor(std::uint32_t ATime) override;
   [[nodiscard]] std::uint32_t TickCount() override { return FClock.TickCount(); }
+  [[nodiscard]] TWinError SetOwnPriority(std::int32_t APriority) override;
 
   [[nodiscard]] TWinError MakeNamedMutex(std::u16string_view AName, TNamedMutex& AMutex, bool& AExisted) override;
   [[nodiscard]] TWinError OpenNamedMutex(std::u16string_view AName, TNamedMutex& AMutex) override;
@@ -37,6 +38,8 @@ class TSimulatedSync final : public ISync {
   [[nodiscard]] std::uintptr_t AddWaitable(std::shared_ptr<TClockSignal> ASignal);
   void RemoveWaitable(std::uintptr_t AValue) noexcept;
 
+  /// Priority of the calling thread; 0 is the normal one.
+  [[nodiscard]] static std::int32_t OwnPriority() noexcept;
   /// Number of events and mutexes that are open.
   [[nodiscard]] std::size_t OpenHandleCount();
 

@@ -1,5 +1,6 @@
 #include "platform/windows/WindowsMachine.h"
 
+#include "platform/windows/WindowsAppManager.h"
 #include "platform/windows/WindowsCom.h"
 #include "platform/windows/WindowsFiles.h"
 #include "platform/windows/WindowsIcons.h"
@@ -30,6 +31,7 @@ struct TWindowsMachine::TParts {
   TWindowsMessageBoxes Messages;
   TWindowsCom Com;
   TWindowsXml Xml;
+  TWindowsAppManager Apps;
 };
 
 TWindowsMachine::TWindowsMachine() : FParts(std::make_unique<TParts>()) {}
@@ -39,7 +41,7 @@ TWindowsMachine::~TWindowsMachine() = default;
 TMachine TWindowsMachine::Facilities() noexcept {
   TParts& parts = *FParts;
   return {parts.Sync,      parts.Registry, parts.Files,   parts.System,   parts.Modules, parts.Shell, parts.Icons,
-          parts.Processes, parts.Starts,   parts.Windows, parts.Messages, parts.Com,     parts.Xml};
+          parts.Processes, parts.Starts,   parts.Windows, parts.Messages, parts.Com,     parts.Xml, parts.Apps};
 }
 
 }  // namespace varcolin

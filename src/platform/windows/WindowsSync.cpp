@@ -36,6 +36,10 @@ void TWindowsSync::SleepFor(std::uint32_t ATime) { Sleep(ATime); }
 
 std::uint32_t TWindowsSync::TickCount() { return GetTickCount(); }
 
+TWinError TWindowsSync::SetOwnPriority(std::int32_t APriority) {
+  return SetThreadPriority(GetCurrentThread(), APriority) != FALSE ? WinError::Success : LastFailure();
+}
+
 TWinError TWindowsSync::MakeNamedMutex(std::u16string_view AName, TNamedMutex& AMutex, bool& AExisted) {
   const TApiText name(AName);
   if (!name.IsWhole()) return WinError::InvalidName;

@@ -14,6 +14,7 @@ class TWindowsSync final : public ISync {
   [[nodiscard]] EWaitResult WaitForAny(std::span<const TWaitable> AHandles, std::uint32_t ATimeout) override;
   void SleepFor(std::uint32_t ATime) override;
   [[nodiscard]] std::uint32_t TickCount() override;
+  [[nodiscard]] TWinError SetOwnPriority(std::int32_t APriority) override;
   [[nodiscard]] TWinError MakeNamedMutex(std::u16string_view AName, TNamedMutex& AMutex, bool& AExisted) override;
   [[nodiscard]] TWinError OpenNamedMutex(std::u16string_view AName, TNamedMutex& AMutex) override;
   void CloseValue(TEventTag, std::uintptr_t AEvent) noexcept override;
