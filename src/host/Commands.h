@@ -57,6 +57,9 @@ int RunAct(const TActOptions& AOptions);
 int RunForget(const TForgetOptions& AOptions);
 /// Opens the dialog for the optional features of Windows.
 int RunFeatures(const TMachineImage& AMachine);
+/// Makes the shell renew what it keeps about the programs, waits until it has, and prints what the library logs about
+/// it. ExitFailure when the shell could not.
+int RunRefreshCache(const TMachineImage& AMachine);
 /// Prints what appears, changes and vanishes until the user interrupts.
 int RunWatch(const TMachineImage& AMachine);
 /// Prints where the library's log is, and its text.

@@ -22,6 +22,7 @@ struct TCommandLine {
   TActOptions Act;
   TForgetOptions Forget;
   TMachineImage Features;
+  TMachineImage RefreshCache;
   TMachineImage Watch;
   TMachineImage Log;
   TLinkOptions Link;
@@ -73,6 +74,8 @@ void AddActs(CLI::App& AApp, TCommandLine& ALine) {
   AddProgramArgument(*forget, ALine.Forget.NameOrGuid);
   CLI::App* features = AApp.add_subcommand("features", "Open the dialog for the optional features of Windows");
   AddMachineOption(*features, ALine.Features);
+  CLI::App* refresh = AApp.add_subcommand("refresh-cache", "Make the shell renew what it keeps about the programs");
+  AddMachineOption(*refresh, ALine.RefreshCache);
 }
 
 void AddListCommand(CLI::App& AApp, const std::string& AName, const std::string& ADescription, TListOptions& AOptions) {
@@ -123,6 +126,7 @@ int RunCommand(CLI::App& AApp, const TCommandLine& ALine) {
   }
   if (AApp.got_subcommand("forget")) return RunForget(ALine.Forget);
   if (AApp.got_subcommand("features")) return RunFeatures(ALine.Features);
+  if (AApp.got_subcommand("refresh-cache")) return RunRefreshCache(ALine.RefreshCache);
   if (AApp.got_subcommand("watch")) return RunWatch(ALine.Watch);
   if (AApp.got_subcommand("link")) return RunLink(ALine.Link);
   return RunLog(ALine.Log);

@@ -154,6 +154,18 @@ struct IProductCollection : IInterface {
   ~IProductCollection() = default;
 };
 
+/// How far the refresh of the shell's program information has come. The manager serves it by QueryInterface.
+struct IARPCacheState : IInterface {
+  static constexpr TGUID IID{0xD1465CA9, 0x77C6, 0x49DF, {0x92, 0x9C, 0x4E, 0x4D, 0x64, 0x73, 0x02, 0x21}};
+
+  /// Whether the thread that RefreshARPCache started still works; once it does not, it has written the log. Not while
+  /// RefreshARPCache or Stop runs.
+  virtual bool VARCOLIN_CALL IsRefreshingARPCache() = 0;
+
+ protected:
+  ~IARPCacheState() = default;
+};
+
 /// The manager: one object for the process, obtained from GetInstance.
 struct IVarcolin : IInterface {
   static constexpr TGUID IID{0xD1465CA9, 0x77C6, 0x49DF, {0x92, 0x9C, 0x4E, 0x4D, 0x64, 0x73, 0x02, 0x01}};
@@ -172,6 +184,7 @@ struct IVarcolin : IInterface {
   /// Restarts discovery. Call it, RefreshARPCache and Stop from one thread at a time.
   virtual void VARCOLIN_CALL Refresh() = 0;
   /// Makes the shell recompute its cached program information, on a thread of low priority; at most once until Stop.
+  /// How it went stands in the log.
   virtual void VARCOLIN_CALL RefreshARPCache() = 0;
   /// Stops every activity of the library and waits for it.
   virtual void VARCOLIN_CALL Stop() = 0;

@@ -9,6 +9,8 @@
 #include "locations/uLocationRegistryUninstall.h"
 #include "locations/uLocationUninstall.h"
 #include "locations/uLocationVistaUpdate.h"
+#include "locations/uRefreshARPCache.h"
+#include "platform/AppManager.h"
 #include "platform/Com.h"
 #include "platform/Files.h"
 #include "platform/Icons.h"
@@ -91,6 +93,7 @@ constexpr TModuleRow ModuleTable[] = {
     {[](const TMachine& M) { TItemUpdate::Load(M.Icons); }, &TItemUpdate::Unload},
     {[](const TMachine& M) { TItemProductIntf::Load(M.Modules); }, &TItemProductIntf::Unload},
     {&LoadLocations, &UnloadLocations},
+    {[](const TMachine& M) { TRefreshARPCache::Load(M.Apps, M.System, M.Sync, M.Com); }, &TRefreshARPCache::Unload},
     {[](const TMachine& M) { WindowsFeatures::Load(M.Sync, M.Starts); }, &WindowsFeatures::Unload},
     {[](const TMachine&) { TVarcolin::Load(); }, &TVarcolin::Unload},
 };

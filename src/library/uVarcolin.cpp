@@ -85,15 +85,23 @@ void VARCOLIN_CALL TVarcolin::Refresh() {
 }
 
 void VARCOLIN_CALL TVarcolin::RefreshARPCache() {
-  // walking the shell's applications needs a facility that this version does not have
+  GuardInterface([this] {
+    if (FRefreshARPCache) return;
+    auto refresh = std::make_unique<TRefreshARPCache>();
+    refresh->Start();
+    FRefreshARPCache = std::move(refresh);
+  });
 }
 
 void VARCOLIN_CALL TVarcolin::Stop() {
   GuardInterface([] { StopActions(TItemProgram::List()); });
   GuardInterface([] { StopActions(TItemUpdate::List()); });
   GuardInterface([] { TLocationUninstall::Cancel(); });
+  FRefreshARPCache.reset();  // asks the thread to end and waits for it
   GuardInterface([] { SiblingLoader::SendCommand(u"QuilletHelper", QuilletFinalizeCommand); });
 }
+
+bool VARCOLIN_CALL TVarcolin::IsRefreshingARPCache() { return FRefreshARPCache && !FRefreshARPCache->Finished(); }
 
 void VARCOLIN_CALL TVarcolin::SetStrings(IStringList* AStrings) {
   GuardInterface([&] { DLLStringsLocalized::SetStrings(AStrings); });

@@ -1,18 +1,21 @@
 // The manager: the one object through which a host reaches the library.
 #pragma once
 
+#include <memory>
+
 #include "intf/intf_ShellLink.h"
 #include "intf/intf_Varcolin.h"
+#include "locations/uRefreshARPCache.h"
 #include "support/uInterfacedObject.h"
 
 namespace varcolin {
 
-/// Implements IVarcolin, and the reader of link files beside it. It has no state of its own but the host's event, which
-/// is stored for the host only.
-class TVarcolin final : public TInterfacedObject<IVarcolin, IShellLinkReader> {
+/// Implements IVarcolin, and beside it the reader of link files and the state of the refresh of the shell's program
+/// information. Its own state is the thread of that refresh, and the host's event, which is stored for the host only.
+class TVarcolin final : public TInterfacedObject<IVarcolin, IShellLinkReader, IARPCacheState> {
  public:
   static void Load() noexcept;
-  /// Releases the manager.
+  /// Releases the manager, which ends a refresh that Stop has not ended.
   static void Unload() noexcept;
 
   /// What the export answers: the manager for its GUID in braces, without regard to ASCII case, null for any other
@@ -32,10 +35,12 @@ class TVarcolin final : public TInterfacedObject<IVarcolin, IShellLinkReader> {
   void VARCOLIN_CALL SetStrings(IStringList* AStrings) override;
   void VARCOLIN_CALL ReadLink(const char16_t* AFileName, const void* AData, std::int64_t ASize, TOleString* AError,
                               IShellLinkFile** AResult) override;
+  bool VARCOLIN_CALL IsRefreshingARPCache() override;
 
  private:
   static inline TInterfaceRef<IVarcolin> FManager;
   static inline TEventHandler FHostEvent;
+  std::unique_ptr<TRefreshARPCache> FRefreshARPCache;  ///< from its start until Stop
 };
 
 }  // namespace varcolin

@@ -16,7 +16,10 @@ TThread::~TThread() {
 void TThread::Start() {
   if (!FBody) throw EAssertionFailed(u"uThread", __LINE__);
   // An exception that leaves the body ends the process, as std::thread has it.
-  FThread = std::thread(FBody, std::ref(*this));
+  FThread = std::thread([this, body = FBody] {
+    body(*this);
+    FFinished = true;
+  });
   FBody = nullptr;  // marks the thread as started
 }
 

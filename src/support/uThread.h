@@ -22,12 +22,15 @@ class TThread {
   /// Asks the body to end soon.
   void Terminate() noexcept { FTerminated = true; }
   [[nodiscard]] bool Terminated() const noexcept { return FTerminated; }
+  /// Whether the body has ended. Any thread.
+  [[nodiscard]] bool Finished() const noexcept { return FFinished; }
   /// Waits until the body has ended; returns at once when it was never started.
   void WaitFor();
 
  private:
   std::function<void(TThread&)> FBody;
   std::atomic<bool> FTerminated{false};
+  std::atomic<bool> FFinished{false};
   std::thread FThread;
 };
 

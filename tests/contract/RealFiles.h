@@ -15,7 +15,8 @@ namespace varcolin::testing {
 
 /// The files with an extension (all of them for an empty one) in one of the folders, and below it, in order; none where
 /// there is no such folder.
-[[nodiscard]] inline std::vector<std::filesystem::path> RealFiles(const char* AFolder, std::string_view AExtension = {}) {
+[[nodiscard]] inline std::vector<std::filesystem::path> RealFiles(const char* AFolder,
+                                                                  std::string_view AExtension = {}) {
   const char* const named = std::getenv("VARCOLIN_TEST_DATA");
   const std::filesystem::path folder = std::filesystem::path(named != nullptr ? named : SHARED_DATA) / AFolder;
   std::vector<std::filesystem::path> files;

@@ -425,6 +425,14 @@ TEST(Host, RefusesWhatIsNoLink) {
   EXPECT_EQ(RunHost({"link"}).ExitCode, 2);
 }
 
+TEST(Host, RefreshesTheShellsCacheToItsEnd) {
+  const TOutcome outcome = RunHost({"refresh-cache", "--machine", SAMPLE_MACHINE});
+  EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
+  EXPECT_NE(outcome.Output.find("Begin update system ARP Cache.\n"), std::string::npos) << outcome.Output;
+  EXPECT_TRUE(outcome.Output.ends_with("End update system ARP Cache.\n")) << outcome.Output;
+  EXPECT_EQ(outcome.Error, "");
+}
+
 TEST(Host, EndsQuietlyOrLoudlyWhenOutputFails) {
   const TOutcome closed = RunShell("\"$HOST\" programs --json --machine " + Quoted(SAMPLE_MACHINE) + " | true");
   EXPECT_EQ(closed.Error, "");

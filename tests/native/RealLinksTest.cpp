@@ -8,8 +8,8 @@
 #include <map>
 #include <memory>
 
-#include "contract/RealFiles.h"
 #include "contract/MachineUnderTest.h"
+#include "contract/RealFiles.h"
 #include "platform/Files.h"
 #include "support/uPaths.h"
 #include "support/uShellLinkInfo.h"
