@@ -25,6 +25,7 @@
 #include "platform/TopWindows.h"
 #include "platform/Xml.h"
 #include "products/uExecuteActionThread.h"
+#include "products/uItemFolder.h"
 #include "products/uItemProductIntf.h"
 #include "products/uItemProgram.h"
 #include "products/uItemUpdate.h"
@@ -56,7 +57,9 @@ void LoadLocations(const TMachine& AMachine) {
   TLocationUninstall::Load(AMachine.Registry, AMachine.Sync, AMachine.Com);
   TLocationRegistryUninstall::Load(AMachine.Registry);
   TLocationVistaUpdate::Load(AMachine.Registry, AMachine.Files, AMachine.Com, AMachine.Xml);
-  TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationExeInfo>(); });
+  TLocationUninstall::RegisterClass([&registry = AMachine.Registry, &files = AMachine.Files] {
+    return std::make_unique<TLocationExeInfo>(registry, files);
+  });
   TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationRegistryUninstall>(); });
   TLocationUninstall::RegisterClass([] { return std::make_unique<TLocationVistaUpdate>(); });
 }
@@ -89,6 +92,7 @@ constexpr TModuleRow ModuleTable[] = {
      &TWindowTopCollection::Unload},
     {[](const TMachine& M) { TExecuteActionThread::Load(M.Sync, M.Processes, M.Com); }, &TExecuteActionThread::Unload},
     {[](const TMachine& M) { TItemProduct::Load(M.System); }, &TItemProduct::Unload},
+    {[](const TMachine&) { TItemFolder::Load(); }, &TItemFolder::Unload},
     {[](const TMachine& M) { TItemProgram::Load(M.Registry, M.Files, M.Icons); }, &TItemProgram::Unload},
     {[](const TMachine& M) { TItemUpdate::Load(M.Icons); }, &TItemUpdate::Unload},
     {[](const TMachine& M) { TItemProductIntf::Load(M.Modules); }, &TItemProductIntf::Unload},

@@ -139,12 +139,12 @@ void TItemProgram::WriteLocked(TWrite AWrite) {
 
 void TItemProgram::DoReadSlowInfo() {
   FindInstallFolder();
-  const auto folder = TItemFolder::ItemByName(FDisplayName, FInstallLocation);
-  FillFromExecutable(folder.get());
+  const TItemFolder* const folder = TItemFolder::ItemByName(FDisplayName, FInstallLocation);
+  FillFromExecutable(folder);
   MeasureSize();
-  Rate(folder.get());
-  FindIcon(folder.get());
-  FindLastUse(folder.get());
+  Rate(folder);
+  FindIcon(folder);
+  FindLastUse(folder);
 }
 
 void TItemProgram::FindInstallFolder() {

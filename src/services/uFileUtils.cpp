@@ -92,20 +92,6 @@ std::u16string ProgramPart(std::u16string_view ACommand) {
   return std::u16string(Trim(program.View()));
 }
 
-/// The text between the quotes that enclose it; a text that is not enclosed in quotes stays.
-std::u16string Dequote(std::u16string_view AText) {
-  if (!AText.starts_with(u'"')) return std::u16string(AText);
-  std::u16string result;
-  for (std::size_t i = 1; i < AText.size(); ++i) {
-    if (AText[i] == u'"') {
-      if (i + 1 == AText.size() || AText[i + 1] != u'"') return result;
-      ++i;
-    }
-    result += AText[i];
-  }
-  return std::u16string(AText);
-}
-
 using TExists = bool (*)(std::u16string_view);
 
 /// Whether APath exists, as it is or under its name in the other view, which APath becomes then.
@@ -303,7 +289,7 @@ const std::u16string& FileUtils::ProgramFilesX64() {
 std::u16string FileUtils::PrepareFileName(std::u16string_view APath) {
   TOleText expanded;
   TOleText normal;
-  State().ShellHelper->ExpandEnvironment(Dequote(APath).c_str(), expanded.Receive());
+  State().ShellHelper->ExpandEnvironment(Dequoted(APath).c_str(), expanded.Receive());
   State().Helper->NormalizePath(std::u16string(expanded.View()).c_str(), normal.Receive());
   return std::u16string(normal.View());
 }

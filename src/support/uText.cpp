@@ -162,6 +162,19 @@ std::u16string_view Trim(std::u16string_view AText) noexcept {
   return AText;
 }
 
+std::u16string Dequoted(std::u16string_view AText) {
+  if (!AText.starts_with(u'"')) return std::u16string(AText);
+  std::u16string result;
+  for (std::size_t i = 1; i < AText.size(); ++i) {
+    if (AText[i] == u'"') {
+      if (i + 1 == AText.size() || AText[i + 1] != u'"') return result;
+      ++i;
+    }
+    result += AText[i];
+  }
+  return std::u16string(AText);
+}
+
 std::vector<std::u16string_view> Split(std::u16string_view AText, char16_t ADelimiter) {
   std::vector<std::u16string_view> parts;
   if (AText.empty()) return parts;

@@ -56,6 +56,9 @@ struct TTextHash {
 
 /// AText without the units up to U+0020 at both ends.
 [[nodiscard]] std::u16string_view Trim(std::u16string_view AText) noexcept;
+/// The text between the quotes with which AText begins, a doubled quote inside for one; what stands behind them is
+/// dropped. A text without an opening and a closing quote stays.
+[[nodiscard]] std::u16string Dequoted(std::u16string_view AText);
 /// The parts of AText between the delimiters; no part for an empty text, empty parts are kept.
 [[nodiscard]] std::vector<std::u16string_view> Split(std::u16string_view AText, char16_t ADelimiter);
 

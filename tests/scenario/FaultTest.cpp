@@ -92,7 +92,7 @@ TEST(FaultTest, AReaderThatFailsIsLoggedAndAnotherMayStart) {
   std::atomic<int> calls{0};
   TLocationUninstall::RegisterClass([&]() -> std::unique_ptr<TLocationUninstall> {
     if (calls++ == 0) throw Exception(u"No place to look");
-    return std::make_unique<TLocationExeInfo>();
+    return std::make_unique<TLocationExeInfo>(session.Machine().Registry(), session.Machine().Files());
   });
   manager.Refresh();
   while (calls == 0) std::this_thread::yield();
