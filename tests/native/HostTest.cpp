@@ -138,6 +138,12 @@ TEST(Host, ListsTheSampleMachine) {
   EXPECT_EQ((*FindProgram(programs, "Pinfold Reader 3.4"))["supportTelephone"], "+46 8 505 510 33");
   EXPECT_EQ((*FindProgram(programs, "Gargantua Game Library"))["estimatedSize"], 3221225472);
   EXPECT_EQ((*FindProgram(programs, "Cinderpath Terminal"))["version"], "5.1");
+  // executables that tell what their programs have not registered: of a shortcut, beside one, started at logon
+  const nlohmann::json& solitaire = *FindProgram(programs, "Hexham Solitaire Collection");
+  EXPECT_EQ(solitaire["version"], "2.4.0.7");
+  EXPECT_EQ(solitaire["installLocation"], "C:\\Program Files (x86)\\Hexham Games\\Solitaire\\");
+  EXPECT_EQ((*FindProgram(programs, "Sundew: Lanterns of the Fen"))["version"], "1.3.0");
+  EXPECT_EQ((*FindProgram(programs, "Sparrowhawk Codec Pack 8.8.0"))["publisher"], "Sparrowhawk Media Ltd.");
   EXPECT_EQ((*FindProgram(programs, "Larkspur Office Suite 2012"))["actions"],
             nlohmann::json({"uninstall", "modify", "repair", "removeFromRegistry"}));
 }
