@@ -16,9 +16,21 @@ double Median(std::vector<double> AValues) {
   return *middle;
 }
 
+const char* NameOf(EUnit AUnit) {
+  switch (AUnit) {
+    case EUnit::Ratio:
+      return "ratio";
+    case EUnit::Bytes:
+      return "bytes";
+    case EUnit::Microseconds:
+      return "microseconds";
+  }
+  return "";
+}
+
 std::string Text(double AValue, EUnit AUnit) {
   char text[32];
-  std::snprintf(text, sizeof text, AUnit == EUnit::Ratio ? "%.2f" : "%.0f", AValue);
+  std::snprintf(text, sizeof text, AUnit == EUnit::Bytes ? "%.0f" : "%.2f", AValue);
   return text;
 }
 
@@ -36,9 +48,8 @@ int RunFigures(std::span<const TFigure> AFigures, std::string_view ABeginning) {
                    reason.what());
       continue;
     }
-    std::printf("%.*s %s=%s bound=%s\n", static_cast<int>(figure.Name.size()), figure.Name.data(),
-                figure.Unit == EUnit::Ratio ? "ratio" : "bytes", Text(value, figure.Unit).c_str(),
-                figure.Bound ? Text(*figure.Bound, figure.Unit).c_str() : "-");
+    std::printf("%.*s %s=%s bound=%s\n", static_cast<int>(figure.Name.size()), figure.Name.data(), NameOf(figure.Unit),
+                Text(value, figure.Unit).c_str(), figure.Bound ? Text(*figure.Bound, figure.Unit).c_str() : "-");
     std::fflush(stdout);
     // a figure that is no number has not kept its bound either
     if (figure.Bound && !(value <= *figure.Bound)) broken = true;

@@ -9,7 +9,7 @@
 
 namespace varcolin::benchmarks {
 
-enum class EUnit { Ratio, Bytes };
+enum class EUnit { Ratio, Bytes, Microseconds };
 
 /// Raised by a figure that cannot be measured on this computer; the message says why.
 class TSkipped : public std::runtime_error {

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "benchmarks/Allocations.native.h"
+#include "benchmarks/DetailsPhase.native.h"
 #include "benchmarks/Figures.h"
 #include "benchmarks/LinkFiles.native.h"
 #include "benchmarks/ListPhase.h"
@@ -314,6 +315,17 @@ double LinkParseLiblnk() {
       5, [&] { return files.ParseSeconds(); }, [&] { return theirs; });
 }
 
+template <std::size_t Programs>
+double DetailsPhase() {
+  constexpr double MicrosecondsPerSecond = 1e6;
+  return DetailsSeconds(Programs) * MicrosecondsPerSecond;
+}
+
+double DetailsGrowth() {
+  return RatioOfMedians(
+      5, [] { return DetailsSeconds(5'000); }, [] { return DetailsSeconds(500); });
+}
+
 constexpr TFigure Figures[] = {
     {"discovery_calls/500", EUnit::Ratio, 2.0, &DiscoveryCalls<500>},
     {"discovery_calls/5000", EUnit::Ratio, 2.0, &DiscoveryCalls<5'000>},
@@ -325,6 +337,9 @@ constexpr TFigure Figures[] = {
     {"updates_growth/5000", EUnit::Ratio, std::nullopt, &UpdatesGrowth},
     {"link_parse/10000", EUnit::Ratio, 1.5, &LinkParse},
     {"link_parse_liblnk/10000", EUnit::Ratio, 0.2, &LinkParseLiblnk},
+    {"details_phase/500", EUnit::Microseconds, std::nullopt, &DetailsPhase<500>},
+    {"details_phase/5000", EUnit::Microseconds, std::nullopt, &DetailsPhase<5'000>},
+    {"details_growth/5000", EUnit::Ratio, 1.3, &DetailsGrowth},
     {"list_memory/5000", EUnit::Bytes, 8192, &ListMemory},
 };
 
