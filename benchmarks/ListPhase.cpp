@@ -89,7 +89,7 @@ TWinError TCountingRegistry::Admit(const TCall&) {
 TMachine WithRegistry(const TMachine& AMachine, IWritableRegistry& ARegistry) noexcept {
   return {AMachine.Sync,     ARegistry,      AMachine.Files,     AMachine.System, AMachine.Modules,
           AMachine.Shell,    AMachine.Icons, AMachine.Processes, AMachine.Starts, AMachine.Windows,
-          AMachine.Messages, AMachine.Com,   AMachine.Xml, AMachine.Apps};
+          AMachine.Messages, AMachine.Com,   AMachine.Xml,       AMachine.Apps};
 }
 
 }  // namespace varcolin::benchmarks

@@ -333,7 +333,7 @@ constexpr TFigure Figures[] = {
     {"discovery_calls_with_log/5000", EUnit::Ratio, std::nullopt, &DiscoveryCalls<5'000, true>},
     {"discovery_growth/50000", EUnit::Ratio, 1.1, &DiscoveryGrowth},
     {"registry_text_load/70MB", EUnit::Ratio, std::nullopt, &RegistryTextLoad},
-    {"updates_list/5000", EUnit::Ratio, 2.0, &UpdatesList},
+    {"updates_list/5000", EUnit::Ratio, 1.3, &UpdatesList},
     {"updates_growth/5000", EUnit::Ratio, std::nullopt, &UpdatesGrowth},
     {"link_parse/10000", EUnit::Ratio, 1.5, &LinkParse},
     {"link_parse_liblnk/10000", EUnit::Ratio, 0.2, &LinkParseLiblnk},

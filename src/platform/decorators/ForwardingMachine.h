@@ -33,7 +33,7 @@ class TForwardingMachine {
 
   [[nodiscard]] TMachine Facilities() noexcept {
     return {FInner.Sync, FRegistry, FFiles,   FSystem,         FModules,   FShell, FIcons,
-            FProcesses,  FStarts,   FWindows, FInner.Messages, FInner.Com, FXml, FApps};
+            FProcesses,  FStarts,   FWindows, FInner.Messages, FInner.Com, FXml,   FApps};
   }
 
  private:

@@ -25,7 +25,7 @@ TSimulatedMachine::TSimulatedMachine(const TSimulatedFacts& AFacts)
 
 TMachine TSimulatedMachine::Facilities() noexcept {
   return {FSync,      FRegistry, FFiles,   FSystem,   FModules, FShell, FIcons,
-          FProcesses, FStarts,   FWindows, FMessages, FCom,     FXml, FApps};
+          FProcesses, FStarts,   FWindows, FMessages, FCom,     FXml,   FApps};
 }
 
 std::size_t TSimulatedMachine::OpenHandleCount() {

@@ -41,7 +41,7 @@ TWindowsMachine::~TWindowsMachine() = default;
 TMachine TWindowsMachine::Facilities() noexcept {
   TParts& parts = *FParts;
   return {parts.Sync,      parts.Registry, parts.Files,   parts.System,   parts.Modules, parts.Shell, parts.Icons,
-          parts.Processes, parts.Starts,   parts.Windows, parts.Messages, parts.Com,     parts.Xml, parts.Apps};
+          parts.Processes, parts.Starts,   parts.Windows, parts.Messages, parts.Com,     parts.Xml,   parts.Apps};
 }
 
 }  // namespace varcolin
