@@ -128,6 +128,9 @@ TEST(Programs, TellsEverythingOfAnInstalledProgram) {
   ASSERT_TRUE(Discover(library.Manager()));
   const std::vector<TListed> found = ProgramsNamed(library.Manager(), u"Larkspur Notes 2.4");
   ASSERT_EQ(found.size(), 1U);
+  // the time at which the file behind its start menu entry was read last: as it was installed, by this very test run
+  const TProperty& used = found[0].Properties[static_cast<std::size_t>(TPropertyID::LastUsedDate)];
+  EXPECT_GT(std::get<TDateTime>(used), 46'000);
   EXPECT_EQ(found[0].Properties, Program({
                                      {TPropertyID::DisplayName, u"Larkspur Notes 2.4"s},
                                      {TPropertyID::DisplayVersion, u"2.4.1"s},
@@ -138,6 +141,7 @@ TEST(Programs, TellsEverythingOfAnInstalledProgram) {
                                      {TPropertyID::HelpLink, u"http://larkspur.example/help"s},
                                      {TPropertyID::SupportLink, u"http://larkspur.example/"s},
                                      {TPropertyID::EstimatedSize, std::int64_t{1536 * 1024}},
+                                     {TPropertyID::LastUsedDate, used},
                                  }));
   EXPECT_EQ(found[0].Actions, Actions({TPossibleActions::paUninstall, TPossibleActions::paUninstallQuiet,
                                        TPossibleActions::paRemoveFromRegistry}));
