@@ -37,10 +37,12 @@ class TNamesWithin {
     for (std::size_t start = 0; start < text.size(); ++start) {
       std::span<const TName> common = FNames;
       for (std::size_t depth = 0; start + depth < text.size() && !common.empty(); ++depth) {
-        const auto [from, to] = std::ranges::equal_range(
-            common, int{text[start + depth]}, {},
-            [depth](const TName& AName) { return depth < AName.Text.size() ? int{AName.Text[depth]} : -1; });
-        common = std::span(from, to);
+        const int unit = text[start + depth];
+        const auto unitOf = [depth](const TName& AName) {
+          return depth < AName.Text.size() ? int{AName.Text[depth]} : -1;
+        };
+        common = std::span(std::ranges::lower_bound(common, unit, {}, unitOf),
+                           std::ranges::upper_bound(common, unit, {}, unitOf));
         // of those that begin alike the shortest comes first
         if (common.empty() || common.front().Text.size() != depth + 1) continue;
         first = std::min(first.value_or(common.front().Position), common.front().Position);
