@@ -55,7 +55,7 @@ TEST(ArpCacheTest, AsksForEveryApplicationAtTheLowestPriorityAndLogsIt) {
   EXPECT_EQ(session.LogLines(), (TLines{"", "Begin update system ARP Cache.", "", "End update system ARP Cache."}));
   EXPECT_EQ(session.Machine().Apps().Asked(), (TNames{u"Dunlin", u"Broken", u"Slow", u"Pinfold"}));
   EXPECT_EQ(session.Machine().Apps().OpenHandleCount() + session.Machine().Com().OpenHandleCount(), 0U);
-  session.Stop();
+  session.Unload();  // the watched facilities go before the session does
   EXPECT_EQ(gate.Seen, std::vector<std::int32_t>(10, -2)) << "of the walk, five times Next, four questions";
 }
 
