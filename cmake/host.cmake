@@ -1,5 +1,5 @@
 # The command-line host: what is pure as a library of its own, so that tests can link it, and the program.
-# Wants `header_only` (CLI11, nlohmann-json) on Windows, and natively the library, `Varcolin`, to link; on Windows the
+# Wants `header_only` (CLI11, nlohmann-json, stb) on Windows, and natively the library, `Varcolin`, to link; on Windows the
 # host loads "Varcolin.dll" by itself.
 if(NOT TARGET header_only)
   find_package(nlohmann_json REQUIRED)
@@ -19,12 +19,23 @@ set(PROGRAM_SOURCES ${SOURCES})
 list(FILTER PROGRAM_SOURCES INCLUDE REGEX "/(main|(Library|Command)[^/]*)\\.cpp$")
 list(REMOVE_ITEM SOURCES ${PROGRAM_SOURCES})
 
+include(cmake/embed.cmake)
+add_embedded(host_page host/PageFiles.h varcolin::host PageFiles ${CMAKE_SOURCE_DIR}/src/host/page *)
+# a page names its one style and its one script by their hashes, and allows no others
+foreach(FILE style.css script.js)
+  file(SHA256 ${CMAKE_SOURCE_DIR}/src/host/page/${FILE} HASH)
+  get_filename_component(NAME ${FILE} NAME_WE)
+  string(TOUPPER PAGE_${NAME}_SHA256 NAME)
+  set_property(SOURCE src/host/Page.cpp APPEND PROPERTY COMPILE_DEFINITIONS ${NAME}="${HASH}")
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/host/page/${FILE})
+endforeach()
+
 add_library(host_core STATIC ${SOURCES})
-target_link_libraries(host_core PUBLIC header_only)
+target_link_libraries(host_core PUBLIC header_only PRIVATE host_page)
 add_executable(varcolin ${PROGRAM_SOURCES})
 target_link_libraries(varcolin PRIVATE host_core)
 if(WIN32)
-  target_link_libraries(varcolin PRIVATE shell32 oleaut32 user32)
+  target_link_libraries(varcolin PRIVATE comctl32 gdi32 shell32 oleaut32 user32)
 else()
   target_link_libraries(varcolin PRIVATE Varcolin Threads::Threads)
 endif()

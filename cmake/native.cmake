@@ -15,6 +15,10 @@ else()
 endif()
 
 include(cmake/embed.cmake)
+add_embedded(embedded_machine platform/simulated/Embedded.h varcolin EmbeddedMachine
+             ${CMAKE_SOURCE_DIR}/examples/machines/sample *)
+add_embedded(embedded_resources platform/simulated/Embedded.h varcolin EmbeddedResources
+             ${CMAKE_SOURCE_DIR}/src/library/resources *.ico)
 
 # everything of src/library but the export
 file(GLOB SOURCES CONFIGURE_DEPENDS src/library/*.cpp)

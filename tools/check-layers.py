@@ -46,7 +46,7 @@ HEADER_EXTRAS = {
 # What may be included in angle brackets beside the C++ standard library, by room.
 THIRD_PARTY = {
     "platform/windows": re.compile(r".*"),
-    "platform/simulated": re.compile(r"nlohmann/json(_fwd)?\.hpp|pugixml\.hpp"),
+    "platform/simulated": re.compile(r"nlohmann/json(_fwd)?\.hpp|pugixml\.hpp|stb/.*"),
     "host": re.compile(r"nlohmann/json(_fwd)?\.hpp|CLI/CLI\.hpp|stb/.*|sys/ioctl\.h|unistd\.h|dlfcn\.h|signal\.h"),
 }
 WINDOWS_HEADER = re.compile(r"(windows|winsock2?|ws2tcpip|win(base|def|error|nt|reg|svc|user|ver|trust)|shl\w+|shell\w+|"

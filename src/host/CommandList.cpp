@@ -4,6 +4,8 @@
 #include "host/HostError.h"
 #include "host/Json.h"
 #include "host/Library.h"
+#include "host/OutputFile.h"
+#include "host/Page.h"
 #include "host/Table.h"
 #include "host/Terminal.h"
 #include "host/Text.h"
@@ -38,21 +40,44 @@ std::string FormatUpdates(const std::vector<TProductRecord>& AUpdates) {
   return table.Format(OutputWidth());
 }
 
+/// The icons of all products, each drawn once.
+TPageIcons ReadIcons(const TLibrary& ALibrary, EProductKind AKind, const std::vector<TProductRecord>& AProducts) {
+  TPageIcons icons;
+  for (const TProductRecord& product : AProducts) {
+    if (icons.contains(product.IconIndex)) continue;
+    // a picture that cannot be drawn is missing in its row
+    if (auto icon = ALibrary.LargeIcon(AKind, product.IconIndex)) icons.emplace(product.IconIndex, std::move(*icon));
+  }
+  return icons;
+}
+
+void WritePage(const TListOptions& AOptions, const std::vector<TProductRecord>& AProducts, const TPageIcons& AIcons) {
+  WriteOutputFile(*AOptions.Html, FormatPage({AOptions.Kind, AOptions.Filter, AOptions.Sort}, AProducts, AIcons));
+  const std::string kind = AOptions.Kind == EProductKind::Update ? "update" : "program";
+  WriteError("varcolin: " + std::to_string(AProducts.size()) + ' ' + kind + (AProducts.size() == 1 ? " is" : "s are") +
+             " in " + Printable(*AOptions.Html) + '\n');
+}
+
 }  // namespace
 
 int RunList(const TListOptions& AOptions) {
   const bool ofUpdates = AOptions.Kind == EProductKind::Update;
   std::vector<TProductRecord> products;
+  TPageIcons icons;
   {
     const TLibrary library(AOptions.Machine);
     TDiscovery discovery(library.Manager());
     discovery.WaitUntilLoaded();
     products = discovery.Read(AOptions.Kind);
+    if (!AOptions.Filter.empty()) FilterProducts(products, AOptions.Filter);
+    if (AOptions.Html) icons = ReadIcons(library, AOptions.Kind, products);
   }
-  if (!AOptions.Filter.empty()) FilterProducts(products, AOptions.Filter);
   if (AOptions.Sort) SortProducts(products, *AOptions.Sort);
+  if (AOptions.Html) WritePage(AOptions, products, icons);
   if (AOptions.Json) {
     WriteOutput(FormatJson(AOptions.Kind, products));
+  } else if (AOptions.Html) {
+    return ExitOk;
   } else if (!products.empty()) {
     WriteOutput(ofUpdates ? FormatUpdates(products) : FormatPrograms(products));
   } else {

@@ -16,13 +16,20 @@ struct TListOptions {
   TMachineImage Machine;
   bool Json = false;
   std::string Filter;
-  std::optional<ESortOrder> Sort;  ///< none: the library's own order
+  std::optional<ESortOrder> Sort;   ///< none: the library's own order
+  std::optional<std::string> Html;  ///< UTF-8 path of the page to write on the computer that the host runs on
 };
 
 struct TShowOptions {
   TMachineImage Machine;
   bool Json = false;
   std::string NameOrGuid;
+};
+
+struct TIconOptions {
+  TMachineImage Machine;
+  std::string NameOrGuid;
+  std::string Output;  ///< UTF-8 path of the file to write on the computer that the host runs on
 };
 
 enum class EAct { Uninstall, Modify, Repair };
@@ -46,10 +53,12 @@ struct TLinkOptions {
   std::string File;  ///< UTF-8 path on the computer that the host runs on
 };
 
-/// Lists the programs or the updates.
+/// Lists the programs or the updates: on the output stream, unless a page is all that is asked for.
 int RunList(const TListOptions& AOptions);
 /// Shows all that is known of one program or update.
 int RunShow(const TShowOptions& AOptions);
+/// Writes the large icon of one program or update to a file.
+int RunIcon(const TIconOptions& AOptions);
 /// Shows the command that uninstalls, modifies or repairs a program, asks, runs it, and waits until it has ended; says
 /// whether the program is listed any longer. ExitFailure when an uninstalled one is.
 int RunAct(const TActOptions& AOptions);

@@ -34,6 +34,21 @@ std::vector<TRunningProcess> TLibrary::Processes() const {
   return processes;
 }
 
+std::optional<TPicture> TLibrary::LargeIcon(EProductKind AKind, std::int32_t AIndex) const {
+  if (AIndex < 0) return std::nullopt;
+  TInterfaceRef<IProductCollection> products;
+  if (AKind == EProductKind::Update) {
+    FManager->GetUpdates(products.Receive());
+  } else {
+    FManager->GetPrograms(products.Receive());
+  }
+  if (!products) return std::nullopt;
+  products->Lock();  // while something is drawn, nothing is added to the image list
+  std::optional<TPicture> picture = DrawImage(products->GetIconListLarge(), AIndex);
+  products->Unlock();
+  return picture;
+}
+
 std::u16string TLibrary::LogPath() const {
   const TInterfaceRef<IHelper> helper(
       static_cast<IHelper*>(Sibling(u"helper.dll", u"{5C9ABD04-59E8-4686-8E32-FF648BB7FDD5}")));

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/Picture.h"
+#include "host/ProductRecord.h"
 #include "intf/intf_Varcolin.h"
 
 namespace varcolin::host {
@@ -47,6 +49,10 @@ class TLibrary {
   /// What the machine has told its user in message boxes since the last call, where nobody saw them.
   [[nodiscard]] std::vector<std::string> TakeMessages() const;
 
+  /// The large icon (32 by 32 pixels) of a product: image AIndex of the list that programs or updates have. None when
+  /// there is no such image or its picture is broken.
+  [[nodiscard]] std::optional<TPicture> LargeIcon(EProductKind AKind, std::int32_t AIndex) const;
+
   /// The log file of the library, a Windows path. Throws EHostError when the suite's helper cannot be reached.
   [[nodiscard]] std::u16string LogPath() const;
   /// The content of a file of the machine; none when it cannot be read.
@@ -58,6 +64,9 @@ class TLibrary {
   /// An interface of a sibling library by its GUID text (both texts live as long as the program); null when there is
   /// none. No reference of the caller's own.
   [[nodiscard]] void* Sibling(const char16_t* ALibrary, const char16_t* AGuid) const;
+
+  /// Image AIndex (0 or more) of an image list of the library; none when there is none that can be drawn.
+  [[nodiscard]] std::optional<TPicture> DrawImage(TNativeUInt AImageList, std::int32_t AIndex) const;
 
   std::unique_ptr<TModules> FModules;
   TInterfaceRef<IVarcolin> FManager;

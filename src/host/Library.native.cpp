@@ -48,6 +48,16 @@ std::vector<std::string> TLibrary::TakeMessages() const {
   return messages;
 }
 
+std::optional<TPicture> TLibrary::DrawImage(TNativeUInt AImageList, std::int32_t AIndex) const {
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+  if (!FModules->Machine->GetSizeOfImages(AImageList, &width, &height)) return std::nullopt;
+  TPicture picture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height));
+  const auto size = static_cast<std::int64_t>(picture.Pixels.size());
+  if (!FModules->Machine->DrawImage(AImageList, AIndex, picture.Pixels.data(), size)) return std::nullopt;
+  return picture;
+}
+
 std::optional<std::vector<std::byte>> TLibrary::ReadFile(const std::u16string& APath) const {
   const std::int64_t size = FModules->Machine->GetSizeOfFile(APath.c_str());
   if (size < 0) return std::nullopt;

@@ -29,6 +29,43 @@ struct TScreenBufferInfo {
 };
 static_assert(sizeof(TScreenBufferInfo) == 22);
 
+/// Windows: ICONINFO. Both bitmaps belong to whoever asked.
+struct TIconParts {
+  int IsIcon;
+  std::uint32_t HotspotX;
+  std::uint32_t HotspotY;
+  TSystemHandle Mask;
+  TSystemHandle Colours;  ///< null for a black and white icon: the mask then has the colours below it
+};
+static_assert(sizeof(TIconParts) == 12 + 2 * sizeof(void*));
+
+/// Windows: BITMAP.
+struct TBitmapFacts {
+  std::int32_t Type;
+  std::int32_t Width;
+  std::int32_t Height;
+  std::int32_t RowSize;
+  std::uint16_t Planes;
+  std::uint16_t BitCount;
+  void* Bits;
+};
+
+/// Windows: BITMAPINFOHEADER.
+struct TBitmapHeader {
+  std::uint32_t Size;
+  std::int32_t Width;
+  std::int32_t Height;  ///< negative: the rows run from the top
+  std::uint16_t Planes;
+  std::uint16_t BitCount;
+  std::uint32_t Compression;
+  std::uint32_t ImageSize;
+  std::int32_t PixelsPerMetreX;
+  std::int32_t PixelsPerMetreY;
+  std::uint32_t ColoursUsed;
+  std::uint32_t ColoursImportant;
+};
+static_assert(sizeof(TBitmapHeader) == 40);
+
 extern "C" {
 __declspec(dllimport) TSystemHandle __stdcall GetStdHandle(std::uint32_t AStream);
 __declspec(dllimport) int __stdcall GetConsoleMode(TSystemHandle AConsole, std::uint32_t* AMode);
@@ -47,6 +84,15 @@ __declspec(dllimport) int __stdcall FreeLibrary(void* AModule);
 __declspec(dllimport) void* __stdcall GetProcAddress(void* AModule, const char* AName);
 __declspec(dllimport) std::uint32_t __stdcall GetModuleFileNameW(void* AModule, wchar_t* APath, std::uint32_t ASize);
 __declspec(dllimport) int __stdcall GetWindowTextW(void* AWindow, char16_t* AText, int ASize);
+__declspec(dllimport) TSystemHandle __stdcall ImageList_GetIcon(TSystemHandle AList, int AIndex, unsigned AStyle);
+__declspec(dllimport) int __stdcall GetIconInfo(TSystemHandle AIcon, TIconParts* AParts);
+__declspec(dllimport) int __stdcall DestroyIcon(TSystemHandle AIcon);
+__declspec(dllimport) TSystemHandle __stdcall CreateCompatibleDC(TSystemHandle AContext);
+__declspec(dllimport) int __stdcall DeleteDC(TSystemHandle AContext);
+__declspec(dllimport) int __stdcall GetObjectW(TSystemHandle AObject, int ASize, void* AFacts);
+__declspec(dllimport) int __stdcall DeleteObject(TSystemHandle AObject);
+__declspec(dllimport) int __stdcall GetDIBits(TSystemHandle AContext, TSystemHandle ABitmap, unsigned AFirst,
+                                              unsigned ACount, void* ABits, TBitmapHeader* AHeader, unsigned AUsage);
 __declspec(dllimport) char16_t* __stdcall SysAllocStringLen(const char16_t* AText, unsigned ALength);
 __declspec(dllimport) void __stdcall SysFreeString(char16_t* AText);
 __declspec(dllimport) unsigned __stdcall SysStringLen(char16_t* AText);

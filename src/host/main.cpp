@@ -19,6 +19,7 @@ struct TCommandLine {
   TListOptions Programs;
   TListOptions Updates;
   TShowOptions Show;
+  TIconOptions Icon;
   TActOptions Act;
   TForgetOptions Forget;
   TMachineImage Features;
@@ -82,6 +83,9 @@ void AddListCommand(CLI::App& AApp, const std::string& AName, const std::string&
   CLI::App* list = AApp.add_subcommand(AName, ADescription);
   AddMachineOption(*list, AOptions.Machine);
   list->add_flag("--json", AOptions.Json, "Print one JSON document");
+  list->add_option("--html", AOptions.Html,
+                   "Write a page for browsers, which needs nothing but itself; nothing but --json is then printed")
+      ->type_name("FILE");
   list->add_option("--filter", AOptions.Filter, "Only " + AName + " with this text in name or publisher")
       ->type_name("TEXT");
   std::vector<std::string> orders;
@@ -93,6 +97,12 @@ void AddListCommand(CLI::App& AApp, const std::string& AName, const std::string&
       ->type_name("ORDER");
 }
 
+void AddProductArgument(CLI::App& ACommand, std::string& ANameOrId) {
+  ACommand.add_option("product", ANameOrId, "Its name, a part of its name, its GUID or its update ID")
+      ->required()
+      ->type_name("NAME|ID");
+}
+
 void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
   AddListCommand(AApp, "programs", "List the installed programs", ALine.Programs);
   ALine.Updates.Kind = EProductKind::Update;
@@ -101,9 +111,14 @@ void AddCommands(CLI::App& AApp, TCommandLine& ALine) {
   CLI::App* show = AApp.add_subcommand("show", "Show all that is known of one program or update");
   AddMachineOption(*show, ALine.Show.Machine);
   show->add_flag("--json", ALine.Show.Json, "Print one JSON document");
-  show->add_option("product", ALine.Show.NameOrGuid, "Its name, a part of its name, its GUID or its update ID")
+  AddProductArgument(*show, ALine.Show.NameOrGuid);
+
+  CLI::App* icon = AApp.add_subcommand("icon", "Write the icon of one program or update to a file");
+  AddMachineOption(*icon, ALine.Icon.Machine);
+  icon->add_option("-o,--output", ALine.Icon.Output, "The file to write; its extension says in which format")
       ->required()
-      ->type_name("NAME|ID");
+      ->type_name("FILE.png|FILE.ico");
+  AddProductArgument(*icon, ALine.Icon.NameOrGuid);
 
   AddActs(AApp, ALine);
   CLI::App* watch = AApp.add_subcommand("watch", "Print what appears, changes and vanishes until interrupted");
@@ -121,6 +136,7 @@ int RunCommand(CLI::App& AApp, const TCommandLine& ALine) {
   if (AApp.got_subcommand("programs")) return RunList(ALine.Programs);
   if (AApp.got_subcommand("updates")) return RunList(ALine.Updates);
   if (AApp.got_subcommand("show")) return RunShow(ALine.Show);
+  if (AApp.got_subcommand("icon")) return RunIcon(ALine.Icon);
   for (const char* const name : {"uninstall", "modify", "repair"}) {
     if (AApp.got_subcommand(name)) return RunAct(ALine.Act);
   }

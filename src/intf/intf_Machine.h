@@ -22,6 +22,16 @@ struct IMachine : IInterface {
   /// Writes the text of the oldest message box that was shown and not taken yet; false when there is none.
   virtual bool VARCOLIN_CALL TakeMessage(TOleString* AResult) = 0;
 
+  /// Size of the images of an image list of the library (IProductCollection::GetIconListLarge and its like) in pixels;
+  /// false, with zeros, for a value that is no list.
+  virtual bool VARCOLIN_CALL GetSizeOfImages(TNativeUInt AImageList, std::int32_t* AWidth, std::int32_t* AHeight) = 0;
+  /// Draws image AIndex of an image list into ABuffer, the caller's own, of ASize bytes: row by row from the top, four
+  /// bytes a pixel, which are red, green, blue, and how opaque the pixel is (0 to 255, not multiplied into the
+  /// colours). False, with the buffer untouched, when there is no such list or image, when the picture in the
+  /// machine's file is broken, and when ASize is less than four times width times height.
+  virtual bool VARCOLIN_CALL DrawImage(TNativeUInt AImageList, std::int32_t AIndex, void* ABuffer,
+                                       std::int64_t ASize) = 0;
+
  protected:
   ~IMachine() = default;
 };

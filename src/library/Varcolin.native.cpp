@@ -55,6 +55,24 @@ class TMachineView final : public TInterfacedObject<IMachine> {
     return true;
   }
 
+  bool VARCOLIN_CALL GetSizeOfImages(TNativeUInt AImageList, std::int32_t* AWidth, std::int32_t* AHeight) override {
+    const TImageSize size = Root()->Machine().Icons().SizeOf(AImageList);
+    if (AWidth != nullptr) *AWidth = static_cast<std::int32_t>(size.Width);
+    if (AHeight != nullptr) *AHeight = static_cast<std::int32_t>(size.Height);
+    return size.Width != 0;
+  }
+  bool VARCOLIN_CALL DrawImage(TNativeUInt AImageList, std::int32_t AIndex, void* ABuffer,
+                               std::int64_t ASize) override {
+    try {
+      const std::optional<TIconPixels> pixels = Root()->Machine().Icons().Draw(AImageList, AIndex);
+      if (ABuffer == nullptr || !pixels || ASize < static_cast<std::int64_t>(pixels->Bytes.size())) return false;
+      std::memcpy(ABuffer, pixels->Bytes.data(), pixels->Bytes.size());
+      return true;
+    } catch (const std::exception&) {
+      return false;  // a picture too large for memory cannot be drawn
+    }
+  }
+
  private:
   std::size_t FTaken = 0;  // message boxes that were taken
 

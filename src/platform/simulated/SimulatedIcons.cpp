@@ -123,6 +123,25 @@ std::vector<TSimulatedIcon> TSimulatedIcons::ImagesOf(std::uintptr_t AList) {
   return list == nullptr ? std::vector<TSimulatedIcon>{} : list->Images;
 }
 
+TImageSize TSimulatedIcons::SizeOf(std::uintptr_t AList) {
+  const std::lock_guard lock(FMutex);
+  const TList* const list = FLists.Find(AList);
+  return list == nullptr ? TImageSize{} : TImageSize{list->Width, list->Height};
+}
+
+std::optional<TIconPixels> TSimulatedIcons::Draw(std::uintptr_t AList, std::int32_t AIndex) {
+  TSimulatedIcon icon;
+  {
+    const std::lock_guard lock(FMutex);
+    const TList* const list = FLists.Find(AList);
+    if (list == nullptr || AIndex < 0 || static_cast<std::size_t>(AIndex) >= list->Images.size()) return std::nullopt;
+    icon = list->Images[static_cast<std::size_t>(AIndex)];
+  }
+  if (!icon.Picture) return std::nullopt;
+  const std::optional<TIconPixels> pixels = DecodeIconPicture(*icon.Picture);
+  return pixels ? std::optional(ScalePixels(*pixels, icon.Width, icon.Height)) : std::nullopt;
+}
+
 std::size_t TSimulatedIcons::OpenHandleCount() {
   const std::lock_guard lock(FMutex);
   return FLists.Count() + FIcons.Count();

@@ -1,15 +1,18 @@
-// Icons and image lists of a simulated machine. There is nothing to draw on; icons keep the bytes of their picture.
+// Icons and image lists of a simulated machine. There is nothing to draw on: icons keep the bytes of their picture, and
+// become pixels when somebody wants to see them.
 #pragma once
 
 #include <cstddef>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/Icons.h"
+#include "platform/simulated/IconPixels.h"
 #include "platform/simulated/SimulatedFiles.h"
 #include "support/uText.h"
 
@@ -21,6 +24,12 @@ struct TSimulatedIcon {
   std::uint32_t Height = 0;  ///< pixels it is shown at
   /// The chosen image as it lay in its file: a bitmap without file header, or a PNG picture.
   std::shared_ptr<const std::vector<std::byte>> Picture;
+};
+
+/// The size of a list's images in pixels.
+struct TImageSize {
+  std::uint32_t Width = 0;
+  std::uint32_t Height = 0;
 };
 
 /// Any thread.
@@ -47,6 +56,11 @@ class TSimulatedIcons final : public IIcons {
   [[nodiscard]] TIcon MakeIcon(TSimulatedIcon AIcon);
   /// The images of a list by its handle value; empty for a value that is no list.
   [[nodiscard]] std::vector<TSimulatedIcon> ImagesOf(std::uintptr_t AList);
+  /// Zeros for a value that is no list.
+  [[nodiscard]] TImageSize SizeOf(std::uintptr_t AList);
+  /// Image AIndex of a list as it is shown, at the list's size. Nothing for a value that is no list, an index out of
+  /// range, and a picture whose bytes are broken.
+  [[nodiscard]] std::optional<TIconPixels> Draw(std::uintptr_t AList, std::int32_t AIndex);
   [[nodiscard]] std::size_t OpenHandleCount();
 
  private:

@@ -1,0 +1,99 @@
+#include "platform/simulated/PngReader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <memory>
+
+namespace varcolin {
+namespace {
+
+// A packed picture can claim to unpack to gigabytes: what the decoder may have in one piece is enough for the largest
+// picture that is drawn, sixteen bits a channel, and for a buffer that was doubled once.
+constexpr std::size_t MostBytes = std::size_t{LongestIconSide} * LongestIconSide * 8 * 3;
+
+void* Allocate(std::size_t ASize) noexcept { return ASize <= MostBytes ? std::malloc(ASize) : nullptr; }
+
+void* Reallocate(void* AMemory, std::size_t ASize) noexcept {
+  return ASize <= MostBytes ? std::realloc(AMemory, ASize) : nullptr;
+}
+
+}  // namespace
+}  // namespace varcolin
+
+#define STBI_MALLOC(ASize) varcolin::Allocate(ASize)
+#define STBI_REALLOC(AMemory, ASize) varcolin::Reallocate(AMemory, ASize)
+#define STBI_FREE(AMemory) std::free(AMemory)
+#define STBI_ONLY_PNG
+#define STBI_NO_STDIO
+#define STBI_NO_LINEAR
+#define STBI_NO_FAILURE_STRINGS
+#define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
+#include <stb/stb_image.h>
+
+namespace varcolin {
+namespace {
+
+constexpr std::array<std::uint8_t, 8> Signature{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+
+/// The number of four bytes at AOffset, the highest one first; the caller has seen that they are there.
+std::uint32_t LongAt(std::span<const std::byte> AData, std::size_t AOffset) noexcept {
+  std::uint32_t value = 0;
+  for (const std::byte byte : AData.subspan(AOffset, 4)) value = value << 8U | std::to_integer<std::uint32_t>(byte);
+  return value;
+}
+
+/// The picture with its palette filled up: pixels may name colours that it does not have, and the decoder would look
+/// for them where nothing was written.
+std::vector<std::byte> WithWholePalette(std::span<const std::byte> AData) {
+  constexpr std::size_t lead = 8;  // of a chunk: length and kind
+  constexpr std::size_t tail = 4;  // its checksum, which the decoder passes over
+  constexpr std::uint32_t palette = 0x504C5445;
+  constexpr std::uint32_t whole = 256 * 3;
+  std::vector<std::byte> result(AData.begin(), AData.end());
+  for (std::size_t at = Signature.size(); AData.size() - at >= lead + tail;) {
+    const std::uint32_t length = LongAt(AData, at);
+    if (length > AData.size() - at - lead - tail) break;
+    if (LongAt(AData, at + 4) == palette && length < whole) {
+      result.insert(result.begin() + static_cast<std::ptrdiff_t>(at + lead + length), whole - length, std::byte{});
+      result[at + 2] = std::byte{whole >> 8U};
+      result[at + 3] = std::byte{whole & 0xFFU};
+      break;
+    }
+    at += lead + length + tail;
+  }
+  return result;
+}
+
+}  // namespace
+
+bool IsPng(std::span<const std::byte> AData) noexcept {
+  return AData.size() >= Signature.size() &&
+         std::equal(Signature.begin(), Signature.end(), AData.begin(),
+                    [](std::uint8_t AWanted, std::byte AByte) { return std::byte{AWanted} == AByte; });
+}
+
+std::optional<TIconPixels> ReadPng(std::span<const std::byte> AData, std::uint32_t ALongestSide) {
+  constexpr int channels = 4;
+  if (!IsPng(AData) || AData.size() > MostBytes) return std::nullopt;
+  const std::vector<std::byte> data = WithWholePalette(AData);
+  const auto* bytes = reinterpret_cast<const stbi_uc*>(data.data());
+  const auto size = static_cast<int>(data.size());
+  const auto isSide = [&](int ASide) { return ASide > 0 && static_cast<std::uint32_t>(ASide) <= ALongestSide; };
+  int width = 0;
+  int height = 0;
+  int inFile = 0;
+  // asked for its size first, since a decoder takes the memory that a picture claims to need
+  if (stbi_info_from_memory(bytes, size, &width, &height, &inFile) == 0 || !isSide(width) || !isSide(height)) {
+    return std::nullopt;
+  }
+  const std::unique_ptr<stbi_uc, decltype(&std::free)> pixels(
+      stbi_load_from_memory(bytes, size, &width, &height, &inFile, channels), &std::free);
+  if (pixels == nullptr || !isSide(width) || !isSide(height)) return std::nullopt;
+  const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * channels;
+  return TIconPixels{static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
+                     std::vector<std::uint8_t>(pixels.get(), pixels.get() + count)};
+}
+
+}  // namespace varcolin
