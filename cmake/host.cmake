@@ -48,8 +48,9 @@ function(add_host_to_tests)
     endif()
   endforeach()
   if(TARGET native_tests)
-    # paths of this checkout stay with the one source that wants them: the others compile alike everywhere
-    set_property(SOURCE ${CMAKE_SOURCE_DIR}/tests/native/HostTest.cpp APPEND PROPERTY COMPILE_DEFINITIONS
+    # paths of this checkout stay with the sources that want them: the others compile alike everywhere
+    set_property(SOURCE ${CMAKE_SOURCE_DIR}/tests/native/HostTest.cpp
+                 ${CMAKE_SOURCE_DIR}/tests/native/HostPicturesTest.cpp APPEND PROPERTY COMPILE_DEFINITIONS
                  VARCOLIN_EXE="$<TARGET_FILE:varcolin>" SAMPLE_MACHINE="${CMAKE_SOURCE_DIR}/examples/machines/sample")
     add_dependencies(native_tests varcolin)
   endif()

@@ -6,6 +6,8 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <ostream>
 
 #include "boundary/Host.h"
@@ -146,6 +148,19 @@ TEST(Programs, TellsEverythingOfAnInstalledProgram) {
   EXPECT_EQ(found[0].Actions, Actions({TPossibleActions::paUninstall, TPossibleActions::paUninstallQuiet,
                                        TPossibleActions::paRemoveFromRegistry}));
   EXPECT_GT(found[0].IconIndex, 3) << "the icon of its uninstaller, not the default one";
+}
+
+TEST(Programs, ShowTheirIconsInTheHost) {
+  const std::filesystem::path file = BesideThisProgram(L"larkspur.PNG");
+  std::filesystem::remove(file);
+  ASSERT_EQ(RunProgram(BesideThisProgram(L"varcolin.exe"), L"icon \"larkspur notes\" -o \"" + file.wstring() + L'"'),
+            0);
+  std::ifstream stream(file, std::ios::binary);
+  const std::string picture(std::istreambuf_iterator<char>(stream), {});
+  EXPECT_EQ(picture.substr(0, 24), "\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x20\0\0\0\x20"s);
+  EXPECT_GT(picture.size(), 200U) << "a picture without a shape takes less";
+  stream.close();
+  std::filesystem::remove(file);
 }
 
 TEST(Programs, TellsEverythingOfAnInstallerPackage) {

@@ -44,24 +44,41 @@ std::uint32_t LongAt(std::span<const std::byte> AData, std::size_t AOffset) noex
   return value;
 }
 
-/// The picture with its palette filled up: pixels may name colours that it does not have, and the decoder would look
-/// for them where nothing was written.
-std::vector<std::byte> WithWholePalette(std::span<const std::byte> AData) {
-  constexpr std::size_t lead = 8;  // of a chunk: length and kind
+constexpr std::uint32_t Kind(char A, char B, char C, char D) noexcept {
+  return std::uint32_t(A) << 24U | std::uint32_t(B) << 16U | std::uint32_t(C) << 8U | std::uint32_t(D);
+}
+
+/// The picture with those of its parts that are whole and say what it looks like, so that the decoder meets nothing
+/// that leads it astray: a part that reaches past the end, one without data, a palette that lacks the colours which
+/// pixels name. Empty for a picture with a part that it cannot be understood without and that is none of these.
+std::vector<std::byte> WithSoundParts(std::span<const std::byte> AData) {
+  constexpr std::size_t lead = 8;  // of a part: length and kind
   constexpr std::size_t tail = 4;  // its checksum, which the decoder passes over
-  constexpr std::uint32_t palette = 0x504C5445;
-  constexpr std::uint32_t whole = 256 * 3;
-  std::vector<std::byte> result(AData.begin(), AData.end());
-  for (std::size_t at = Signature.size(); AData.size() - at >= lead + tail;) {
-    const std::uint32_t length = LongAt(AData, at);
-    if (length > AData.size() - at - lead - tail) break;
-    if (LongAt(AData, at + 4) == palette && length < whole) {
-      result.insert(result.begin() + static_cast<std::ptrdiff_t>(at + lead + length), whole - length, std::byte{});
-      result[at + 2] = std::byte{whole >> 8U};
-      result[at + 3] = std::byte{whole & 0xFFU};
-      break;
+  constexpr std::uint32_t wholePalette = 256 * 3;
+  constexpr std::uint32_t optional = 0x20000000;  // a bit of the kind
+  std::vector<std::byte> result(AData.begin(), AData.begin() + Signature.size());
+  AData = AData.subspan(Signature.size());
+  while (AData.size() >= lead + tail) {
+    const std::uint32_t length = LongAt(AData, 0);
+    const std::uint32_t kind = LongAt(AData, 4);
+    if (length > AData.size() - lead - tail) break;
+    const auto part = AData.first(lead + length + tail);
+    AData = AData.subspan(part.size());
+    const bool isData = kind == Kind('I', 'D', 'A', 'T');
+    const bool isPalette = kind == Kind('P', 'L', 'T', 'E');
+    if (isData && length == 0) continue;
+    if (isPalette && length < wholePalette) {
+      const std::size_t at = result.size();
+      result.insert(result.end(), part.begin(), part.end() - tail);
+      result.resize(at + lead + wholePalette + tail);
+      result[at + 2] = std::byte{wholePalette >> 8U};
+      result[at + 3] = std::byte{wholePalette & 0xFFU};
+    } else if (isData || isPalette || kind == Kind('I', 'H', 'D', 'R') || kind == Kind('t', 'R', 'N', 'S') ||
+               kind == Kind('I', 'E', 'N', 'D')) {
+      result.insert(result.end(), part.begin(), part.end());
+    } else if ((kind & optional) == 0) {
+      return {};
     }
-    at += lead + length + tail;
   }
   return result;
 }
@@ -77,7 +94,7 @@ bool IsPng(std::span<const std::byte> AData) noexcept {
 std::optional<TIconPixels> ReadPng(std::span<const std::byte> AData, std::uint32_t ALongestSide) {
   constexpr int channels = 4;
   if (!IsPng(AData) || AData.size() > MostBytes) return std::nullopt;
-  const std::vector<std::byte> data = WithWholePalette(AData);
+  const std::vector<std::byte> data = WithSoundParts(AData);
   const auto* bytes = reinterpret_cast<const stbi_uc*>(data.data());
   const auto size = static_cast<int>(data.size());
   const auto isSide = [&](int ASide) { return ASide > 0 && static_cast<std::uint32_t>(ASide) <= ALongestSide; };
