@@ -43,10 +43,11 @@ std::optional<TPicture> TLibrary::LargeIcon(EProductKind AKind, std::int32_t AIn
     FManager->GetPrograms(products.Receive());
   }
   if (!products) return std::nullopt;
-  products->Lock();  // while something is drawn, nothing is added to the image list
-  std::optional<TPicture> picture = DrawImage(products->GetIconListLarge(), AIndex);
-  products->Unlock();
-  return picture;
+  // while something is drawn, nothing is added to the image list
+  products->Lock();
+  const auto unlock = [](IProductCollection* ALocked) { ALocked->Unlock(); };
+  const std::unique_ptr<IProductCollection, decltype(unlock)> locked(products.Get(), unlock);
+  return DrawImage(products->GetIconListLarge(), AIndex);
 }
 
 std::u16string TLibrary::LogPath() const {

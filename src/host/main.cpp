@@ -83,8 +83,7 @@ void AddListCommand(CLI::App& AApp, const std::string& AName, const std::string&
   CLI::App* list = AApp.add_subcommand(AName, ADescription);
   AddMachineOption(*list, AOptions.Machine);
   list->add_flag("--json", AOptions.Json, "Print one JSON document");
-  list->add_option("--html", AOptions.Html,
-                   "Write a page for browsers, which needs nothing but itself; nothing but --json is then printed")
+  list->add_option("--html", AOptions.Html, "Write the list as one page for a browser; only --json prints it too then")
       ->type_name("FILE");
   list->add_option("--filter", AOptions.Filter, "Only " + AName + " with this text in name or publisher")
       ->type_name("TEXT");
