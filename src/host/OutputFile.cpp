@@ -34,9 +34,7 @@ std::error_code Write(const fs::path& APath, std::string_view AContent) {
 /// A name beside the file that nobody can have foreseen.
 fs::path PartOf(const fs::path& AFile) {
   std::random_device random;
-  fs::path part = AFile;
-  part += "." + std::to_string(random()) + std::to_string(random()) + ".part";
-  return part;
+  return AFile.parent_path() / ("varcolin-" + std::to_string(random()) + std::to_string(random()) + ".part");
 }
 
 }  // namespace

@@ -234,7 +234,8 @@ def check_hostile(browser, host, folder):
 
 def main():
     host, image = sys.argv[1:]
-    with tempfile.TemporaryDirectory(prefix="varcolin-pages-") as name:
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("pages.py: ended from outside"))  # and the browser with it
+    with tempfile.TemporaryDirectory(prefix="varcolin-pages-", ignore_cleanup_errors=True) as name:
         folder = pathlib.Path(name)
         with Browser(folder) as browser:
             page = folder / "programs.html"
