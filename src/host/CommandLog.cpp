@@ -36,7 +36,11 @@ int RunLog(const TMachineImage& AMachine) {
       // a discovery writes its log before it reports that all is loaded, or when it is stopped
       {
         TDiscovery discovery(library.Manager());
-        discovery.WaitUntilLoaded();
+        try {
+          discovery.WaitUntilLoaded();
+        } catch (const EHostError&) {
+          // why it failed is what the log is read for
+        }
       }
       library.Manager().Stop();
       content = library.ReadFile(path);
@@ -50,8 +54,8 @@ int RunLog(const TMachineImage& AMachine) {
 int RunRefreshCache(const TMachineImage& AMachine) {
   const TLibrary library(AMachine);
   IVarcolin& manager = library.Manager();
-  TInterfaceRef<IARPCacheState> state;
-  if (manager.QueryInterface(IARPCacheState::IID, reinterpret_cast<void**>(state.Receive())) != ResultOk) {
+  TInterfaceRef<IBackgroundWork> state;
+  if (manager.QueryInterface(IBackgroundWork::IID, reinterpret_cast<void**>(state.Receive())) != ResultOk) {
     throw EHostError("the library does not tell when it has refreshed the cache");
   }
   CatchInterrupt();

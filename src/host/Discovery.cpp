@@ -5,6 +5,7 @@
 #include <string>
 #include <thread>
 
+#include "host/HostError.h"
 #include "host/Progress.h"
 #include "host/Terminal.h"
 
@@ -27,6 +28,7 @@ class TCollectionLock {
 }  // namespace
 
 TDiscovery::TDiscovery(IVarcolin& AManager) : FManager(AManager) {
+  FManager.QueryInterface(IBackgroundWork::IID, reinterpret_cast<void**>(FWork.Receive()));
   FManager.SetStrings(nullptr);
   FManager.Refresh();
   FManager.GetPrograms(FPrograms.Receive());
@@ -53,7 +55,10 @@ void TDiscovery::WaitUntilLoaded() {
   std::chrono::milliseconds sleep(1);
   TClock::time_point nextProgress = TClock::now() + progressPeriod;
   std::size_t detailed = 0;
-  while (FManager.GetState() != TVRCState::vrcsLoaded && !IsInterrupted()) {
+  // asked first, so that a state that is reached meanwhile counts
+  for (bool works = true; FManager.GetState() != TVRCState::vrcsLoaded && !IsInterrupted();
+       works = !FWork || FWork->IsDiscovering()) {
+    if (!works) throw EHostError("the library gave up reading what is installed; its log says why (varcolin log)");
     std::this_thread::sleep_for(sleep);
     sleep = std::min(sleep * 2, longestSleep);
     if (!progress.IsWatched() || TClock::now() < nextProgress) continue;

@@ -16,7 +16,7 @@ class TDiscovery {
   explicit TDiscovery(IVarcolin& AManager);
 
   /// Waits until lists and details are complete, or the user interrupts (see CatchInterrupt); shows how far that has
-  /// come when a person watches the error stream.
+  /// come when a person watches the error stream. Raises EHostError when the library gives up before.
   void WaitUntilLoaded();
   /// Reads all programs or all updates, in the library's order.
   [[nodiscard]] std::vector<TProductRecord> Read(EProductKind AKind = EProductKind::Program);
@@ -32,6 +32,7 @@ class TDiscovery {
   static void ForEach(IProductCollection& AProducts, TFunction AFunction);
 
   IVarcolin& FManager;
+  TInterfaceRef<IBackgroundWork> FWork;  // null when the library does not tell
   TInterfaceRef<IProductCollection> FPrograms;
   TInterfaceRef<IProductCollection> FUpdates;
   std::size_t FCount = 0;  // programs at the last Read

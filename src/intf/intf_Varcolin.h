@@ -154,16 +154,19 @@ struct IProductCollection : IInterface {
   ~IProductCollection() = default;
 };
 
-/// How far the refresh of the shell's program information has come. The manager serves it by QueryInterface.
-struct IARPCacheState : IInterface {
+/// Which of the library's own threads still work. The manager serves it by QueryInterface.
+struct IBackgroundWork : IInterface {
   static constexpr TGUID IID{0xD1465CA9, 0x77C6, 0x49DF, {0x92, 0x9C, 0x4E, 0x4D, 0x64, 0x73, 0x02, 0x21}};
 
   /// Whether the thread that RefreshARPCache started still works; once it does not, it has written the log. Not while
   /// RefreshARPCache or Stop runs.
   virtual bool VARCOLIN_CALL IsRefreshingARPCache() = 0;
+  /// Whether the thread that Refresh started still works: from Refresh on until Stop, unless it fails. GetState then
+  /// stays as it is; once this answers false, the log says why. Any thread.
+  virtual bool VARCOLIN_CALL IsDiscovering() = 0;
 
  protected:
-  ~IARPCacheState() = default;
+  ~IBackgroundWork() = default;
 };
 
 /// The manager: one object for the process, obtained from GetInstance.

@@ -103,6 +103,8 @@ void VARCOLIN_CALL TVarcolin::Stop() {
 
 bool VARCOLIN_CALL TVarcolin::IsRefreshingARPCache() { return FRefreshARPCache && !FRefreshARPCache->Finished(); }
 
+bool VARCOLIN_CALL TVarcolin::IsDiscovering() { return TLocationUninstall::IsReading(); }
+
 void VARCOLIN_CALL TVarcolin::SetStrings(IStringList* AStrings) {
   GuardInterface([&] { DLLStringsLocalized::SetStrings(AStrings); });
 }

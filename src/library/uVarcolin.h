@@ -10,9 +10,8 @@
 
 namespace varcolin {
 
-/// Implements IVarcolin, and beside it the reader of link files and the state of the refresh of the shell's program
-/// information. Its own state is the thread of that refresh, and the host's event, which is stored for the host only.
-class TVarcolin final : public TInterfacedObject<IVarcolin, IShellLinkReader, IARPCacheState> {
+/// Implements IVarcolin, and beside it the reader of link files and which of the library's threads still work. Its own state is the thread of that refresh, and the host's event, which is stored for the host only.
+class TVarcolin final : public TInterfacedObject<IVarcolin, IShellLinkReader, IBackgroundWork> {
  public:
   static void Load() noexcept;
   /// Releases the manager, which ends a refresh that Stop has not ended.
@@ -36,6 +35,7 @@ class TVarcolin final : public TInterfacedObject<IVarcolin, IShellLinkReader, IA
   void VARCOLIN_CALL ReadLink(const char16_t* AFileName, const void* AData, std::int64_t ASize, TOleString* AError,
                               IShellLinkFile** AResult) override;
   bool VARCOLIN_CALL IsRefreshingARPCache() override;
+  bool VARCOLIN_CALL IsDiscovering() override;
 
  private:
   static inline TInterfaceRef<IVarcolin> FManager;

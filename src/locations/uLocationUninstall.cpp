@@ -38,6 +38,7 @@ struct TLocationUninstall::TState {
   std::atomic<bool> Created{false};
   std::vector<std::unique_ptr<TLocationUninstall>> Locations;
   TKeyCache* ReadBefore = nullptr;  ///< the reader's own
+  std::atomic<bool> Reading{false};
   /// Set before the reader starts and cleared after it has ended, so the reader itself reads it without a lock.
   std::unique_ptr<TThread> Reader;
 };
@@ -82,15 +83,22 @@ TKeyCache* TLocationUninstall::ReadBefore() noexcept { return FState->ReadBefore
 
 TVRCState TLocationUninstall::State() noexcept { return FState->LoadingState; }
 
+bool TLocationUninstall::IsReading() noexcept { return FState->Reading; }
+
 void TLocationUninstall::Refresh() {
   Cancel();
   TState& state = *FState;
   state.Sync.ResetSignal(state.WakeEvent);
   state.LoadingState.exchange(TVRCState::vrcsListLoading);
-  state.Reader = std::make_unique<TThread>([](const TThread& AThread) { RunReader(AThread); });
+  state.Reader = std::make_unique<TThread>([](const TThread& AThread) {
+    RunReader(AThread);
+    FState->Reading = false;
+  });
+  state.Reading = true;
   try {
     state.Reader->Start();
   } catch (...) {
+    state.Reading = false;
     state.Reader.reset();
     throw;
   }

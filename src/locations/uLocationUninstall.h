@@ -45,6 +45,9 @@ class TLocationUninstall {
   /// The first location of a kind; null when none is registered.
   [[nodiscard]] static TLocationUninstall* Location(TTypeUninstallLocation AIndex);
   [[nodiscard]] static TVRCState State() noexcept;
+  /// Whether the reader runs. It ends by Cancel, or by a failure that it has then logged, the state left as it was. Any
+  /// thread.
+  [[nodiscard]] static bool IsReading() noexcept;
   /// Cancels a running reader and starts a new one.
   static void Refresh();
   /// Asks a running reader to end and waits for it.

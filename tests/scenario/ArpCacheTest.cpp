@@ -21,9 +21,9 @@ std::vector<TSimulatedApp> Apps() {
           {u"Pinfold", {}, WinError::Success, 0}};
 }
 
-TInterfaceRef<IARPCacheState> StateOf(IVarcolin& AManager) {
-  TInterfaceRef<IARPCacheState> state;
-  EXPECT_EQ(AManager.QueryInterface(IARPCacheState::IID, reinterpret_cast<void**>(state.Receive())), ResultOk);
+TInterfaceRef<IBackgroundWork> StateOf(IVarcolin& AManager) {
+  TInterfaceRef<IBackgroundWork> state;
+  EXPECT_EQ(AManager.QueryInterface(IBackgroundWork::IID, reinterpret_cast<void**>(state.Receive())), ResultOk);
   return state;
 }
 

@@ -3,9 +3,10 @@
 
 #include <algorithm>
 #include <atomic>
-#include <thread>
 
 #include "common/Session.h"
+#include "host/Discovery.h"
+#include "host/HostError.h"
 #include "locations/uLocationExeInfo.h"
 #include "platform/decorators/FaultInjection.h"
 #include "support/uExceptions.h"
@@ -86,7 +87,7 @@ TEST_P(FaultTest, NoFailedCallLosesMoreThanWhatItReads) {
 
 INSTANTIATE_TEST_SUITE_P(Sweep, FaultTest, ::testing::Values(EFault::Transient, EFault::Persistent, EFault::Periodic));
 
-TEST(FaultTest, AReaderThatFailsIsLoggedAndAnotherMayStart) {
+TEST(FaultTest, AReaderThatFailsIsLoggedAndNotWaitedForAndAnotherMayStart) {
   TSession session;
   IVarcolin& manager = session.Load();
   std::atomic<int> calls{0};
@@ -94,8 +95,10 @@ TEST(FaultTest, AReaderThatFailsIsLoggedAndAnotherMayStart) {
     if (calls++ == 0) throw Exception(u"No place to look");
     return std::make_unique<TLocationExeInfo>(session.Machine().Registry(), session.Machine().Files());
   });
-  manager.Refresh();
-  while (calls == 0) std::this_thread::yield();
+  {
+    host::TDiscovery discovery(manager);
+    EXPECT_THROW(discovery.WaitUntilLoaded(), host::EHostError);
+  }
   manager.Stop();
   EXPECT_EQ(manager.GetState(), TVRCState::vrcsListLoading);
   const TLines log = session.LogLines();
