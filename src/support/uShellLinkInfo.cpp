@@ -116,6 +116,8 @@ void TShellLinkInfo::LoadData(std::vector<std::byte> AData) {
 
 void TShellLinkInfo::ReadExtraData(TShellLinkReader& AReader) {
   constexpr std::uint32_t smallestBlock = 4;
+  constexpr std::size_t usualCount = 4;
+  FExtraData.reserve(usualCount);
   for (;;) {
     const auto size = AReader.TakeNumber<std::uint32_t>();
     if (size < smallestBlock) return;

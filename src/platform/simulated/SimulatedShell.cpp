@@ -118,6 +118,9 @@ TWinError TSimulatedShell::GetParsingName(std::span<const TShellItem> AItems, st
   } else {
     path = (item - 1)->Name;
   }
+  std::size_t length = path.size();
+  for (auto rest = item; rest != AItems.end(); ++rest) length += rest->Name.size() + 1;
+  path.reserve(length);
   bool isPlace = false;
   for (; item != AItems.end(); ++item) {
     if (item->Kind == EShellItem::Guid) {
