@@ -153,7 +153,7 @@ void TLocationVistaUpdate::ReadPackages() {
   TFindHandle walk;
   TFoundFile file;
   std::vector<std::byte> buffer;
-  const std::u16string pattern = FPackagesFolder + u"*" + std::u16string(Extension);
+  const std::u16string pattern = PathOf(u"*");
   for (TWinError error = FFiles->FindFirst(pattern, walk, file); error == WinError::Success;
        error = FFiles->FindNext(walk, file)) {
     CheckTerminated();
@@ -164,16 +164,27 @@ void TLocationVistaUpdate::ReadPackages() {
     if (!info->FManifest->IdentityName->empty()) FUpdateList.push_back(std::move(info));
   }
   std::erase_if(FUpdateList, [&](const auto& AInfo) { return contained.contains(*AInfo->FManifest->IdentityName); });
+  // for the few that are left of the many that were read
+  for (const auto& info : FUpdateList) {
+    info->FRegistryKeys.push_back(TRegistryEx::RegistryKeyToStr(ViewFlag(), ERegistryRoot::LocalMachine,
+                                                                Format(u"%s\\%s", {PackagesKey, info->FCode}), u""));
+    info->FFileNames.push_back(PathOf(info->FCode));
+  }
+}
+
+std::u16string TLocationVistaUpdate::PathOf(std::u16string_view ACode) const {
+  std::u16string path;
+  path.reserve(FPackagesFolder.size() + ACode.size() + Extension.size());
+  return path.append(FPackagesFolder).append(ACode).append(Extension);
 }
 
 std::unique_ptr<TLocationVistaUpdate::TTemporaryInfo> TLocationVistaUpdate::ReadPackage(
     const TRegistryKey& APackages, std::u16string ACode, std::vector<std::byte>& ABuffer) const {
   auto info = std::make_unique<TTemporaryInfo>();
   if (!IsPackageInstalled(APackages, ACode, info->FIsCanUninstall)) return nullptr;
-  std::u16string path = FPackagesFolder + ACode + std::u16string(Extension);
   info->FManifest = std::make_unique<TManifest>();
   try {
-    if (FFiles->ReadWhole(path, LargestManifest, ABuffer) != WinError::Success ||
+    if (FFiles->ReadWhole(PathOf(ACode), LargestManifest, ABuffer) != WinError::Success ||
         ReadManifest(*FXml, ABuffer, *info->FManifest) != WinError::Success) {
       return nullptr;
     }
@@ -183,9 +194,6 @@ std::unique_ptr<TLocationVistaUpdate::TTemporaryInfo> TLocationVistaUpdate::Read
   const TManifest& manifest = *info->FManifest;
   if (!manifest.IdentityName || !manifest.Identifier || !manifest.ReleaseTypeName) return nullptr;
   if (DLLGlobals::DecodeReleaseType(*manifest.ReleaseTypeName) == TReleaseType::rtNone) return nullptr;
-  info->FRegistryKeys.push_back(TRegistryEx::RegistryKeyToStr(ViewFlag(), ERegistryRoot::LocalMachine,
-                                                              Format(u"%s\\%s", {PackagesKey, ACode}), u""));
-  info->FFileNames.push_back(std::move(path));
   info->FCode = std::move(ACode);
   return info;
 }

@@ -51,6 +51,8 @@ class TLocationVistaUpdate final : public TLocationUninstall {
   /// Whether a package is installed, by its key below APackages; ACanUninstall is set when it is.
   [[nodiscard]] static bool IsPackageInstalled(const TRegistryKey& APackages, std::u16string_view ACode,
                                                bool& ACanUninstall);
+  /// The manifest of a package.
+  [[nodiscard]] std::u16string PathOf(std::u16string_view ACode) const;
   void Publish();
   void Add(TTemporaryInfo& AInfo);
 

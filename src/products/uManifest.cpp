@@ -10,6 +10,8 @@ namespace varcolin {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr std::u16string_view Identity = u"assemblyIdentity";
 constexpr std::u16string_view Package = u"package";
 
@@ -29,7 +31,7 @@ std::optional<std::u16string> TextIfAny(const IXmlElement& AElement, std::u16str
 std::optional<std::u16string> ContainedName(const IXmlElement& AUpdate) {
   const auto package = AUpdate.FindChild(Package);
   const auto identity = package ? package->FindChild(Identity) : nullptr;
-  return identity ? TextIfAny(*identity, u"name") : std::nullopt;
+  return identity ? TextIfAny(*identity, u"name"sv) : std::nullopt;
 }
 
 }  // namespace
@@ -38,22 +40,22 @@ TWinError ReadManifest(IXml& AXml, std::span<const std::byte> AData, TManifest& 
   std::unique_ptr<IXmlElement> assembly;
   if (const TWinError error = AXml.Parse(AData, assembly); error != WinError::Success) return error;
   TManifest manifest;
-  if (assembly->Name() == u"assembly") {
-    manifest.DisplayName = TextOf(*assembly, u"displayName");
-    manifest.Description = TextOf(*assembly, u"description");
-    manifest.Company = TextOf(*assembly, u"company");
-    manifest.SupportInformation = TextOf(*assembly, u"supportInformation");
+  if (assembly->Name() == u"assembly"sv) {
+    manifest.DisplayName = TextOf(*assembly, u"displayName"sv);
+    manifest.Description = TextOf(*assembly, u"description"sv);
+    manifest.Company = TextOf(*assembly, u"company"sv);
+    manifest.SupportInformation = TextOf(*assembly, u"supportInformation"sv);
     if (const auto identity = assembly->FindChild(Identity)) {
-      manifest.IdentityName = TextIfAny(*identity, u"name");
-      manifest.Version = TextOf(*identity, u"version");
-      manifest.Language = TextOf(*identity, u"language");
+      manifest.IdentityName = TextIfAny(*identity, u"name"sv);
+      manifest.Version = TextOf(*identity, u"version"sv);
+      manifest.Language = TextOf(*identity, u"language"sv);
     }
     if (const auto package = assembly->FindChild(Package)) {
-      manifest.Identifier = TextIfAny(*package, u"identifier");
-      manifest.ReleaseTypeName = TextIfAny(*package, u"releaseType");
+      manifest.Identifier = TextIfAny(*package, u"identifier"sv);
+      manifest.ReleaseTypeName = TextIfAny(*package, u"releaseType"sv);
       const auto child = package->FirstChild();
       for (bool more = child != nullptr; more; more = child->MoveToNext()) {
-        if (!SameText(child->Name(), u"update")) continue;
+        if (!SameText(child->Name(), u"update"sv)) continue;
         if (auto name = ContainedName(*child)) manifest.ContainedNames.push_back(*std::move(name));
       }
     }

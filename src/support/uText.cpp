@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <limits>
+#include <type_traits>
 
 #include "support/uUnicodeCase.h"
 
@@ -76,12 +78,39 @@ void AppendUtf8(std::string& AResult, char32_t ACode) {
   }
 }
 
+/// Whether every unit of a text of bytes or of UTF-16 is ASCII. Nearly every text is: all units are looked at together.
+template <class TUnit>
+bool IsAscii(std::basic_string_view<TUnit> AText) noexcept {
+  std::make_unsigned_t<std::conditional_t<sizeof(TUnit) == 1, char, std::uint16_t>> all = 0;
+  for (const TUnit unit : AText) all |= static_cast<decltype(all)>(unit);
+  return all < 0x80;
+}
+
+/// How many of the first ACount units are the same, case included, counted in steps: at least one that differs is left,
+/// or fewer than a step. Most names that are compared are the same for long or to their end.
+std::size_t SameSteps(const char16_t* AFirst, const char16_t* ASecond, std::size_t ACount) noexcept {
+  constexpr std::size_t Step = sizeof(std::uint64_t) / sizeof(char16_t);
+  std::size_t done = 0;
+  for (std::uint64_t first = 0, second = 0; done + Step <= ACount; done += Step) {
+    std::memcpy(&first, AFirst + done, sizeof first);
+    std::memcpy(&second, ASecond + done, sizeof second);
+    if (first != second) break;
+  }
+  return done;
+}
+
+/// The difference of the first units that are not the same without regard to case; 0 when all ACount are.
+int Difference(const char16_t* AFirst, const char16_t* ASecond, std::size_t ACount) noexcept {
+  for (std::size_t i = SameSteps(AFirst, ASecond, ACount); i < ACount; ++i) {
+    if (AFirst[i] == ASecond[i]) continue;
+    if (const int difference = UpperChar(AFirst[i]) - UpperChar(ASecond[i]); difference != 0) return difference;
+  }
+  return 0;
+}
+
 /// Whether AText has APart at AFrom; the caller has checked that it fits.
 bool MatchesAt(std::u16string_view APart, std::u16string_view AText, std::size_t AFrom) noexcept {
-  for (std::size_t i = 0; i < APart.size(); ++i) {
-    if (APart[i] != AText[AFrom + i] && UpperChar(APart[i]) != UpperChar(AText[AFrom + i])) return false;
-  }
-  return true;
+  return Difference(APart.data(), AText.data() + AFrom, APart.size()) == 0;
 }
 
 }  // namespace
@@ -110,12 +139,8 @@ std::u16string LowerCase(std::u16string_view AText) {
 
 int CompareText(std::u16string_view AFirst, std::u16string_view ASecond) noexcept {
   const std::size_t common = std::min(AFirst.size(), ASecond.size());
-  for (std::size_t i = 0; i < common; ++i) {
-    if (AFirst[i] == ASecond[i]) continue;
-    const int difference = UpperChar(AFirst[i]) - UpperChar(ASecond[i]);
-    if (difference != 0) return difference;
-  }
-  if (AFirst.size() == ASecond.size()) return 0;
+  const int difference = Difference(AFirst.data(), ASecond.data(), common);
+  if (difference != 0 || AFirst.size() == ASecond.size()) return difference;
   return AFirst.size() < ASecond.size() ? -1 : 1;
 }
 
@@ -205,6 +230,7 @@ bool TryDigitsToInt(std::u16string_view AText, std::uint32_t& AValue) noexcept {
 }
 
 std::string ToUtf8(std::u16string_view AText) {
+  if (IsAscii(AText)) return {AText.begin(), AText.end()};
   std::string result;
   result.reserve(AText.size());
   for (std::size_t i = 0; i < AText.size(); ++i) {
@@ -220,8 +246,7 @@ std::string ToUtf8(std::u16string_view AText) {
 }
 
 std::u16string FromUtf8(std::string_view AText) {
-  const auto isAscii = [](char AUnit) { return static_cast<unsigned char>(AUnit) < 0x80; };
-  if (std::ranges::all_of(AText, isAscii)) return FromAscii(AText);
+  if (IsAscii(AText)) return FromAscii(AText);
   std::u16string result;
   result.reserve(AText.size());
   while (!AText.empty()) {

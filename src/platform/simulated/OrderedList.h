@@ -25,8 +25,18 @@ class TOrderedList {
   /// The item with this key; null when there is none.
   template <class TKey>
   [[nodiscard]] TItem* Find(const TKey& AKey) const {
-    const auto [chunk, position] = const_cast<TOrderedList*>(this)->LowerBound(AKey);
+    auto* const self = const_cast<TOrderedList*>(this);
+    // whoever goes through a list asks for one item after the other
+    if (FGuess < Count()) {
+      TItem& guessed = self->ItemAt(FGuess);
+      if (TCompare()(guessed, AKey) == 0) {
+        ++FGuess;
+        return &guessed;
+      }
+    }
+    const auto [chunk, position] = self->LowerBound(AKey);
     if (chunk == nullptr || position == chunk->Items.size()) return nullptr;
+    FGuess = chunk->Start + position + 1;
     TItem& item = chunk->Items[position];
     return TCompare()(item, AKey) == 0 ? &item : nullptr;
   }
@@ -104,6 +114,7 @@ class TOrderedList {
   }
 
   std::vector<TChunk> FChunks;
+  mutable std::size_t FGuess = 0;  // position behind the item that was found last
 };
 
 }  // namespace varcolin

@@ -1,9 +1,8 @@
 #include "platform/simulated/SimulatedXml.h"
 
-#include <algorithm>
+#include <array>
 #include <pugixml.hpp>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "platform/simulated/SimulatedCom.h"
@@ -15,13 +14,27 @@ namespace {
 
 constexpr TWinError ComNotInitialized = 0x800401F0;  // CO_E_NOTINITIALIZED
 
-/// Whether a name of the parser is AName; ASCII, as nearly every name is, is compared without a copy.
-bool SameName(std::string_view AParsed, std::u16string_view AName) {
-  const auto isSame = [](char AFirst, char16_t ASecond) {
-    return static_cast<unsigned char>(AFirst) < 0x80 && static_cast<char16_t>(AFirst) == ASecond;
-  };
-  return std::ranges::equal(AParsed, AName, isSame) || (AParsed.size() > AName.size() && FromUtf8(AParsed) == AName);
-}
+/// A name as the parser takes it. Names of elements are asked for so often that the usual ones take no memory.
+class TParsedName {
+ public:
+  explicit TParsedName(std::u16string_view AName) {
+    char* end = FBuffer.data();
+    for (const char16_t unit : AName) {
+      if (unit >= 0x80 || end == &FBuffer.back()) {
+        FLong = ToUtf8(AName);
+        return;
+      }
+      *end++ = static_cast<char>(unit);
+    }
+    *end = '\0';
+  }
+
+  [[nodiscard]] const char* Text() const noexcept { return FLong.empty() ? FBuffer.data() : FLong.c_str(); }
+
+ private:
+  std::array<char, 32> FBuffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): as far as it counts, it is written
+  std::string FLong;
+};
 
 class TElement : public IXmlElement {
  public:
@@ -29,12 +42,9 @@ class TElement : public IXmlElement {
 
   [[nodiscard]] std::u16string Name() const override { return FromUtf8(FNode.name()); }
   [[nodiscard]] bool GetAttribute(std::u16string_view AName, std::u16string& AValue) const override {
-    for (const pugi::xml_attribute attribute : FNode.attributes()) {
-      if (!SameName(attribute.name(), AName)) continue;
-      AValue = FromUtf8(attribute.value());
-      return true;
-    }
-    return false;
+    const pugi::xml_attribute attribute = FNode.attribute(TParsedName(AName).Text());
+    if (attribute) AValue = FromUtf8(attribute.value());
+    return static_cast<bool>(attribute);
   }
   [[nodiscard]] std::unique_ptr<IXmlElement> FirstChild() const override {
     const pugi::xml_node child = FirstElement(FNode.first_child());
@@ -46,11 +56,11 @@ class TElement : public IXmlElement {
     return static_cast<bool>(next);
   }
   [[nodiscard]] std::unique_ptr<IXmlElement> FindChild(std::u16string_view AName) const override {
-    for (pugi::xml_node node = FNode.first_child(); node; node = node.next_sibling()) {
-      // the name alone would do for an instruction too
-      if (node.type() == pugi::node_element && SameName(node.name(), AName)) return std::make_unique<TElement>(node);
-    }
-    return nullptr;
+    const TParsedName name(AName);
+    pugi::xml_node node = FNode.child(name.Text());
+    // the name alone would do for an instruction too
+    while (node && node.type() != pugi::node_element) node = node.next_sibling(name.Text());
+    return node ? std::make_unique<TElement>(node) : nullptr;
   }
 
  private:
