@@ -10,7 +10,8 @@
 
 namespace varcolin {
 
-/// Implements IVarcolin, and beside it the reader of link files and which of the library's threads still work. Its own state is the thread of that refresh, and the host's event, which is stored for the host only.
+/// Implements IVarcolin, and beside it the reader of link files and which of the library's threads still work. Its own
+/// state is the thread of that refresh, and the host's event, which is stored for the host only.
 class TVarcolin final : public TInterfacedObject<IVarcolin, IShellLinkReader, IBackgroundWork> {
  public:
   static void Load() noexcept;

@@ -280,13 +280,13 @@ bool FindLocale(std::u16string_view AName, TLocale& ALocale) noexcept {
       return true;
     }
   }
+  // a bare language: its name is the first part of its locales'
+  if (AName.empty() || AName.find(u'-') != std::u16string_view::npos) return false;
   for (const TRow& row : Rows) {
-    if ((row.Id & ~PrimaryMask) != DefaultSubLanguage) continue;
-    const TLocale bare = BareLanguage(row);
-    if (SameText(bare.Name, AName)) {
-      ALocale = bare;
-      return true;
-    }
+    if ((row.Id & ~PrimaryMask) != DefaultSubLanguage || !StartsText(AName, row.Name)) continue;
+    if (row.Name.size() != AName.size() && row.Name[AName.size()] != u'-') continue;
+    ALocale = BareLanguage(row);
+    return true;
   }
   return false;
 }

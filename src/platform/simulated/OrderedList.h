@@ -27,16 +27,13 @@ class TOrderedList {
   [[nodiscard]] TItem* Find(const TKey& AKey) const {
     auto* const self = const_cast<TOrderedList*>(this);
     // whoever goes through a list asks for one item after the other
-    if (FGuess < Count()) {
-      TItem& guessed = self->ItemAt(FGuess);
-      if (TCompare()(guessed, AKey) == 0) {
-        ++FGuess;
-        return &guessed;
-      }
+    if (TItem* const guessed = self->ItemAt(FGuess); guessed != nullptr && TCompare()(*guessed, AKey) == 0) {
+      ++FGuess.Position;
+      return guessed;
     }
     const auto [chunk, position] = self->LowerBound(AKey);
     if (chunk == nullptr || position == chunk->Items.size()) return nullptr;
-    FGuess = chunk->Start + position + 1;
+    FGuess = {static_cast<std::size_t>(chunk - FChunks.data()), position + 1};
     TItem& item = chunk->Items[position];
     return TCompare()(item, AKey) == 0 ? &item : nullptr;
   }
@@ -93,6 +90,19 @@ class TOrderedList {
     std::size_t Start = 0;     // position of the first item in the whole list
   };
 
+  struct TPlace {
+    std::size_t Chunk = 0;
+    std::size_t Position = 0;
+  };
+
+  // null when nothing is there; behind the end of a chunk is the begin of the next
+  [[nodiscard]] TItem* ItemAt(TPlace& APlace) noexcept {
+    if (APlace.Chunk < FChunks.size() && APlace.Position >= FChunks[APlace.Chunk].Items.size()) {
+      APlace = {APlace.Chunk + 1, 0};
+    }
+    return APlace.Chunk < FChunks.size() ? &FChunks[APlace.Chunk].Items[APlace.Position] : nullptr;
+  }
+
   [[nodiscard]] TItem& ItemAt(std::size_t AIndex) {
     const auto after = std::upper_bound(FChunks.begin(), FChunks.end(), AIndex,
                                         [](std::size_t AValue, const TChunk& AChunk) { return AValue < AChunk.Start; });
@@ -114,7 +124,7 @@ class TOrderedList {
   }
 
   std::vector<TChunk> FChunks;
-  mutable std::size_t FGuess = 0;  // position behind the item that was found last
+  mutable TPlace FGuess;  // behind the item that was found last
 };
 
 }  // namespace varcolin

@@ -8,6 +8,15 @@
 
 namespace varcolin {
 
+namespace {
+
+/// Memory that a key takes with its name.
+constexpr std::size_t BlockSize(std::size_t ANameLength) noexcept {
+  return sizeof(TRegistryNode) + ANameLength * sizeof(char16_t);
+}
+
+}  // namespace
+
 void TDisposeValue::operator()(TStoredValue* AValue) const noexcept {
   const std::size_t size = AValue->BlockSize();
   std::destroy_at(AValue);
@@ -88,17 +97,22 @@ void TValueList::Clear() noexcept {
 }
 
 void TDisposeNode::operator()(TRegistryNode* ANode) const noexcept {
-  std::pmr::polymorphic_allocator<>(ANode->Name.get_allocator().resource()).delete_object(ANode);
+  std::pmr::memory_resource& memory = ANode->FMemory;
+  const std::size_t size = BlockSize(ANode->FNameLength);
+  std::destroy_at(ANode);
+  memory.deallocate(ANode, size, alignof(TRegistryNode));
 }
 
 TRegistryNodePtr TRegistryNode::Make(std::pmr::memory_resource& AMemory, TRegistryNode* AParent,
                                      std::u16string_view AName, TFileTime ATime) {
-  std::pmr::polymorphic_allocator<> allocator(&AMemory);
-  return TRegistryNodePtr(allocator.new_object<TRegistryNode>(AMemory, AParent, AName, ATime));
+  void* const block = AMemory.allocate(BlockSize(AName.size()), alignof(TRegistryNode));
+  TRegistryNodePtr node(::new (block) TRegistryNode(AMemory, AParent, AName.size(), ATime));
+  std::ranges::copy(AName, reinterpret_cast<char16_t*>(node.get() + 1));
+  return node;
 }
 
 int TRegistryNode::TCompareNames::operator()(const TRegistryNodePtr& AChild, std::u16string_view AName) const noexcept {
-  return CompareText(AChild->Name, AName);
+  return CompareText(AChild->Name(), AName);
 }
 
 TRegistryNode* TRegistryNode::FindChild(std::u16string_view AName) const {
@@ -111,14 +125,14 @@ std::size_t TRegistryNode::LongestChildName() const {
   if (!FChildren) return 0;
   if (!FChildren->LongestName) {
     std::size_t longest = 0;
-    ForEachChild([&](const TRegistryNode& AChild) { longest = std::max(longest, AChild.Name.size()); });
+    ForEachChild([&](const TRegistryNode& AChild) { longest = std::max(longest, AChild.Name().size()); });
     FChildren->LongestName = longest;
   }
   return *FChildren->LongestName;
 }
 
 TRegistryNode& TRegistryNode::AddChild(std::u16string_view AName, TFileTime ATime) {
-  auto child = Make(*Name.get_allocator().resource(), this, AName, ATime);
+  auto child = Make(FMemory, this, AName, ATime);
   TRegistryNode& result = *child;
   if (!FChildren) FChildren = std::make_unique<TChildren>();
   FChildren->Sorted.Insert(AName, std::move(child));
@@ -130,7 +144,7 @@ TRegistryNode& TRegistryNode::AddChild(std::u16string_view AName, TFileTime ATim
 TRegistryNodePtr TRegistryNode::TakeChild(std::u16string_view AName) {
   ++Version;
   TRegistryNodePtr child = FChildren->Sorted.Take(AName);
-  if (FChildren->LongestName == child->Name.size()) FChildren->LongestName.reset();
+  if (FChildren->LongestName == child->Name().size()) FChildren->LongestName.reset();
   child->Parent = nullptr;
   return child;
 }

@@ -91,17 +91,20 @@ struct TDisposeNode {
 };
 using TRegistryNodePtr = std::unique_ptr<TRegistryNode, TDisposeNode>;
 
-/// One key. All keys of a registry and their names take their memory from one resource, which outlives them: they lie
-/// close together, apart from the values, since a walk over the subkeys of a key touches them in an order of its own.
+/// One key, its name right behind it. All keys of a registry take their memory from one resource, which outlives them:
+/// they lie close together, apart from the values, since a walk over the subkeys of a key touches them in an order of
+/// its own.
 struct TRegistryNode {
   static constexpr std::size_t MaxNameLength = 255;
   static constexpr std::size_t MaxDepth = 512;
 
-  TRegistryNode(std::pmr::memory_resource& AMemory, TRegistryNode* AParent, std::u16string_view AName, TFileTime ATime)
-      : Parent(AParent), Name(AName, &AMemory), LastWriteTime(ATime) {}
-
+  /// AName has at most MaxNameLength units.
   [[nodiscard]] static TRegistryNodePtr Make(std::pmr::memory_resource& AMemory, TRegistryNode* AParent,
                                              std::u16string_view AName, TFileTime ATime);
+
+  [[nodiscard]] std::u16string_view Name() const noexcept {
+    return {reinterpret_cast<const char16_t*>(this + 1), FNameLength};
+  }
 
   /// Null when there is none.
   [[nodiscard]] TRegistryNode* FindChild(std::u16string_view AName) const;
@@ -119,7 +122,6 @@ struct TRegistryNode {
   }
 
   TRegistryNode* Parent;  ///< null for the root and for a removed key
-  const std::pmr::u16string Name;
   TValueList Values;
   TFileTime LastWriteTime;
   std::uint32_t Version = 0;       ///< grows with every change of the key's own subkeys and values
@@ -130,6 +132,7 @@ struct TRegistryNode {
   std::unique_ptr<const std::u16string> Target;
 
  private:
+  friend struct TDisposeNode;
   struct TCompareNames {
     int operator()(const TRegistryNodePtr& AChild, std::u16string_view AName) const noexcept;
   };
@@ -139,6 +142,12 @@ struct TRegistryNode {
     std::optional<std::size_t> LongestName = 0;  ///< none when it is to be found out anew
   };
 
+  TRegistryNode(std::pmr::memory_resource& AMemory, TRegistryNode* AParent, std::size_t ANameLength,
+                TFileTime ATime) noexcept
+      : Parent(AParent), LastWriteTime(ATime), FMemory(AMemory), FNameLength(ANameLength) {}
+
+  std::pmr::memory_resource& FMemory;
+  const std::size_t FNameLength;
   std::unique_ptr<TChildren> FChildren;  ///< null until the first: most keys have none
 };
 

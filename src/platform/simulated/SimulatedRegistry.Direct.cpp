@@ -47,7 +47,7 @@ bool TSimulatedRegistry::DropSubtree(TRegistryNode& ANode) {
   while (ANode.ChildCount() != 0) {
     TRegistryNode& child = ANode.ChildAt(ANode.ChildCount() - 1);
     links = DropSubtree(child) || child.Target || links;
-    DropChild(ANode, child.Name);
+    DropChild(ANode, child.Name());
   }
   return links;
 }
@@ -118,7 +118,7 @@ bool TSimulatedRegistry::RemoveTree(std::u16string_view APath) {
     NoteChange(*node, RegNotify::ChangeName | RegNotify::ChangeLastSet);
   } else {
     TRegistryNode& parent = *node->Parent;
-    DropChild(parent, node->Name);
+    DropChild(parent, node->Name());
     NoteChange(parent, RegNotify::ChangeName);
   }
   if (links) AddFixedLinks();

@@ -102,13 +102,13 @@ void TSimulatedRegistry::AddFixedLinks() {
 }
 
 bool TSimulatedRegistry::IsSoftware(const TRegistryNode& ANode) const {
-  return ANode.Parent == FMachine && SameText(ANode.Name, RegistryLayout::Software);
+  return ANode.Parent == FMachine && SameText(ANode.Name(), RegistryLayout::Software);
 }
 
 bool TSimulatedRegistry::IsClasses(const TRegistryNode& ANode) const {
   if (ANode.Parent == nullptr) return false;
-  if (ANode.Parent == FUsers) return EndsText(RegistryLayout::ClassesSuffix, ANode.Name);
-  return IsSoftware(*ANode.Parent) && SameText(ANode.Name, RegistryLayout::Classes);
+  if (ANode.Parent == FUsers) return EndsText(RegistryLayout::ClassesSuffix, ANode.Name());
+  return IsSoftware(*ANode.Parent) && SameText(ANode.Name(), RegistryLayout::Classes);
 }
 
 // Roots and the keys that a hive is mounted at cannot be removed.
@@ -242,7 +242,7 @@ std::u16string TSimulatedRegistry::PathOf(const TRegistryNode& ANode) {
   std::u16string path;
   for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
     if (!path.empty()) path += u'\\';
-    path += (*node)->Name;
+    path += (*node)->Name();
   }
   return path;
 }
@@ -276,7 +276,7 @@ std::u16string TSimulatedRegistry::NativePath(std::u16string_view APath) const {
     case ERegistryRoot::ClassesRoot:
       return Join(u"MACHINE\\Software\\Classes", rest);
     case ERegistryRoot::CurrentUser:
-      return Join(Join(RegistryLayout::Users, FUser->Name), rest);
+      return Join(Join(RegistryLayout::Users, FUser->Name()), rest);
     case ERegistryRoot::Users:
       return Join(RegistryLayout::Users, rest);
     case ERegistryRoot::CurrentConfig:

@@ -131,11 +131,11 @@ void TSimulatedRegistry::Merge(TOpenKey& AOpen) {
   first.ForEachChild([&](const TRegistryNode& AChild) { view.Keys.push_back(&AChild); });
   const auto middle = static_cast<std::ptrdiff_t>(view.Keys.size());
   second.ForEachChild([&](const TRegistryNode& AChild) {
-    if (first.FindChild(AChild.Name) == nullptr) view.Keys.push_back(&AChild);
+    if (first.FindChild(AChild.Name()) == nullptr) view.Keys.push_back(&AChild);
   });
   std::inplace_merge(view.Keys.begin(), view.Keys.begin() + middle, view.Keys.end(),
                      [](const TRegistryNode* AFirst, const TRegistryNode* ASecond) {
-                       return CompareText(AFirst->Name, ASecond->Name) < 0;
+                       return CompareText(AFirst->Name(), ASecond->Name()) < 0;
                      });
   view.Values.clear();
   for (std::size_t i = 0; i < first.Values.Count(); ++i) view.Values.push_back(&first.Values.At(i));
@@ -158,7 +158,7 @@ TWinError TSimulatedRegistry::QueryKeyInfo(const TRegistryKey& AKey, TRegistryKe
   if (open->Shadow != nullptr) {
     info.SubKeyCount = static_cast<std::uint32_t>(open->Merged->Keys.size());
     for (const TRegistryNode* key : open->Merged->Keys) {
-      info.MaxSubKeyLength = std::max(info.MaxSubKeyLength, static_cast<std::uint32_t>(key->Name.size()));
+      info.MaxSubKeyLength = std::max(info.MaxSubKeyLength, static_cast<std::uint32_t>(key->Name().size()));
     }
     for (const TStoredValue* value : open->Merged->Values) countValue(*value);
   } else {
@@ -177,7 +177,7 @@ TWinError TSimulatedRegistry::EnumKey(const TRegistryKey& AKey, std::uint32_t AI
   if (const TWinError error = Access(AKey, KeyRight::EnumerateSubKeys, open); error != WinError::Success) return error;
   const bool merged = open->Shadow != nullptr;
   if (AIndex >= (merged ? open->Merged->Keys.size() : open->Node->ChildCount())) return WinError::NoMoreItems;
-  AName = merged ? open->Merged->Keys[AIndex]->Name : open->Node->ChildAt(AIndex).Name;
+  AName = merged ? open->Merged->Keys[AIndex]->Name() : open->Node->ChildAt(AIndex).Name();
   return WinError::Success;
 }
 
@@ -244,7 +244,7 @@ TWinError TSimulatedRegistry::RemoveKey(TRegistryBase ABase, std::u16string_view
   }
   Log(ERegistryChange::KeyRemoved, node, {});
   TRegistryNode& parent = *node.Parent;
-  DropChild(parent, node.Name);
+  DropChild(parent, node.Name());
   NoteChange(parent, RegNotify::ChangeName);
   return WinError::Success;
 }
