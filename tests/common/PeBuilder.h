@@ -26,44 +26,36 @@ inline TBytes MakePicture(std::uint8_t ASide, std::uint32_t AColour) {
   return bytes;
 }
 
-/// An icon file with one picture of each given size.
-inline TBytes MakeIconFile(std::span<const std::uint8_t> ASides) {
-  TBytes header, pictures;
+/// What icon files and icon groups begin with: how many pictures, and of each its facts and the number with which
+/// APlace says where it lies, in APlaceSize bytes.
+template <class TPlace>
+TBytes MakeIconHeader(std::span<const std::uint8_t> ASides, std::size_t APlaceSize, TPlace APlace) {
+  TBytes header;
   Put(header, 0, 2);
   Put(header, 1, 2);
   Put(header, ASides.size(), 2);
   for (const std::uint8_t side : ASides) {
-    const TBytes picture = MakePicture(side, 0xFF000000U + side);
     Put(header, side, 1);
     Put(header, side, 1);
     Put(header, 0, 2);
     Put(header, 1, 2);
     Put(header, 32, 2);
-    Put(header, picture.size(), 4);
-    Put(header, 6 + ASides.size() * 16 + pictures.size(), 4);
-    Append(pictures, picture);
+    Put(header, MakePicture(side, 0).size(), 4);
+    Put(header, APlace(side), APlaceSize);
   }
-  Append(header, pictures);
   return header;
 }
 
-/// A version resource with the fixed part only.
-inline TBytes MakeVersion(std::uint16_t AMajor, std::uint16_t AMinor) {
-  TBytes bytes;
-  Put(bytes, 40 + 52, 2);
-  Put(bytes, 52, 2);
-  Put(bytes, 0, 2);
-  for (const char16_t unit : std::u16string_view(u"VS_VERSION_INFO")) Put(bytes, unit, 2);
-  bytes.resize(40);
-  Put(bytes, 0xFEEF04BD, 4);
-  Put(bytes, 0x10000, 4);
-  for (int i = 0; i < 2; ++i) {
-    Put(bytes, AMinor, 2);
-    Put(bytes, AMajor, 2);
-    Put(bytes, 0, 4);
-  }
-  bytes.resize(40 + 52);
-  return bytes;
+/// An icon file with one picture of each given size.
+inline TBytes MakeIconFile(std::span<const std::uint8_t> ASides) {
+  TBytes pictures;
+  TBytes file = MakeIconHeader(ASides, 4, [&](std::uint8_t ASide) {
+    const std::size_t at = 6 + ASides.size() * 16 + pictures.size();
+    Append(pictures, MakePicture(ASide, 0xFF000000U + ASide));
+    return at;
+  });
+  Append(file, pictures);
+  return file;
 }
 
 /// Collects resources and writes an executable with them.
@@ -86,22 +78,10 @@ class TPeBuilder {
     Add(6, static_cast<std::uint16_t>(AFirstId / 16 + 1), std::move(block), ALanguage);
   }
   void AddIcon(std::uint16_t AGroup, std::span<const std::uint8_t> ASides) {
-    TBytes group;
-    Put(group, 0, 2);
-    Put(group, 1, 2);
-    Put(group, ASides.size(), 2);
-    for (const std::uint8_t side : ASides) {
-      TBytes picture = MakePicture(side, 0xFF000000U + AGroup);
-      Put(group, side, 1);
-      Put(group, side, 1);
-      Put(group, 0, 2);
-      Put(group, 1, 2);
-      Put(group, 32, 2);
-      Put(group, picture.size(), 4);
-      Put(group, ++FLastIcon, 2);
-      Add(3, FLastIcon, std::move(picture));
-    }
-    Add(14, AGroup, std::move(group));
+    Add(14, AGroup, MakeIconHeader(ASides, 2, [&](std::uint8_t ASide) {
+          Add(3, ++FLastIcon, MakePicture(ASide, 0xFF000000U + AGroup));
+          return FLastIcon;
+        }));
   }
 
   [[nodiscard]] TBytes Build(bool AIs64 = false) const {

@@ -2,15 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <cstring>
+#include <ctime>
 #include <thread>
 
 #include "library/uVarcolin.h"
 #include "platform/Files.h"
 #include "platform/simulated/RegistryText.h"
 #include "services/uStatisticsLog.h"
-#include "support/uDateTime.h"
 #include "support/uText.h"
 
 namespace varcolin::testing {
@@ -19,15 +21,11 @@ namespace {
 
 std::string DateText(TDateTime ADate) {
   if (ADate == 0) return {};
-  constexpr double MillisecondsPerDay = 86400000.0;
-  constexpr std::uint64_t TicksPerMillisecond = 10000;
-  constexpr std::uint64_t DaysBefore1899 = 109205;  // from 1601-01-01 to 1899-12-30
-  const auto milliseconds = static_cast<std::uint64_t>(ADate * MillisecondsPerDay + 0.5);
-  const TSystemTime time =
-      FileTimeToSystemTime(TFileTime{(milliseconds + DaysBefore1899 * 86400000ULL) * TicksPerMillisecond});
+  constexpr double DaysBefore1970 = 25569;
+  constexpr double SecondsPerDay = 86400;
+  const std::time_t seconds = static_cast<std::time_t>(std::floor((ADate - DaysBefore1970) * SecondsPerDay + 0.0005));
   char text[64];
-  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.Year, time.Month, time.Day, time.Hour,
-                time.Minute, time.Second);
+  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::gmtime(&seconds));
   return text;
 }
 
@@ -97,6 +95,11 @@ void TSession::Reg(std::string_view ABody) {
   LoadRegistryText(std::as_bytes(std::span(text)), "test.reg", Machine().Registry());
 }
 
+void TSession::AddProgram(std::string_view AName, std::string_view AValues) {
+  Reg("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\" + std::string(AName) +
+      "]\n\"DisplayName\"=\"" + std::string(AName) + "\"\n" + std::string(AValues));
+}
+
 IVarcolin& TSession::Load() { return Load(Machine().Facilities()); }
 
 IVarcolin& TSession::Load(const TMachine& AFacilities) {
@@ -122,15 +125,15 @@ void TSession::Stop() {
   stopper.join();
 }
 
-bool TSession::IsBusy(IProduct& AProduct) {
-  TPossibleActions none = NoAction;
+bool TSession::Start(IProduct& AProduct, TPossibleActions AAction) {
   TNativeUInt window = 0;
-  return !AProduct.RunAction(&none, &window);
+  return AProduct.RunAction(&AAction, &window);
 }
 
+bool TSession::IsBusy(IProduct& AProduct) { return !Start(AProduct, NoAction); }
+
 std::uint32_t TSession::RunToItsEnd(IProduct& AProduct, TPossibleActions AAction) {
-  TNativeUInt window = 0;
-  EXPECT_TRUE(AProduct.RunAction(&AAction, &window));
+  EXPECT_TRUE(Start(AProduct, AAction));
   const std::uint32_t start = Machine().Clock().TickCount();
   // the reader waits as well: both see each step
   Machine().Clock().AdvanceUntil([&] { return !IsBusy(AProduct); }, 50, 2);
@@ -193,5 +196,7 @@ std::vector<std::string> TSession::LogLines() {
   }
   return lines;
 }
+
+std::ptrdiff_t TSession::LogCount(std::string_view ALine) { return std::ranges::count(LogLines(), ALine); }
 
 }  // namespace varcolin::testing

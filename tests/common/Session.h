@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/Facts.h"
 #include "intf/intf_Varcolin.h"
 #include "library/NativeRoot.h"
 #include "library/uModules.h"
@@ -29,6 +30,8 @@ class TSession {
   [[nodiscard]] TSimulatedMachine& Machine() noexcept { return FInstalled.Machine(); }
   /// Loads registry text in the version 5 form, without its header line.
   void Reg(std::string_view ABody);
+  /// Enters a program of this name, which is its key's as well, in the 64-bit view; AValues as lines of registry text.
+  void AddProgram(std::string_view AName, std::string_view AValues = {});
   /// Loads the library's modules, over AFacilities when they are given; the manager is then there.
   IVarcolin& Load();
   IVarcolin& Load(const TMachine& AFacilities);
@@ -43,6 +46,8 @@ class TSession {
   void LetChangesBeSeen();
   /// Whether an action of the product runs.
   [[nodiscard]] static bool IsBusy(IProduct& AProduct);
+  /// Asks for an action; whether the product was idle.
+  static bool Start(IProduct& AProduct, TPossibleActions AAction);
   /// Runs an action and lets time pass until the product is idle again, with the reader waiting for changes. The
   /// milliseconds that it took, rounded up to the library's looks.
   std::uint32_t RunToItsEnd(IProduct& AProduct, TPossibleActions AAction);
@@ -55,6 +60,8 @@ class TSession {
   [[nodiscard]] TInterfaceRef<IProduct> Program(std::string_view AName);
   /// The log file's lines without their times, UTF-8.
   [[nodiscard]] std::vector<std::string> LogLines();
+  /// How many lines of the log file are this one.
+  [[nodiscard]] std::ptrdiff_t LogCount(std::string_view ALine);
 
  private:
   TInstalledMachine FInstalled;

@@ -1,28 +1,19 @@
 // Bytes of version resources for tests.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <string_view>
-#include <vector>
 
+#include "common/Bytes.h"
 #include "siblings/VersionResource.h"
 
 namespace varcolin::testing {
-
-using TBytes = std::vector<std::byte>;
-
-inline void PutWord(TBytes& ABytes, std::size_t AWord) {
-  ABytes.push_back(static_cast<std::byte>(AWord & 0xFF));
-  ABytes.push_back(static_cast<std::byte>(AWord >> 8 & 0xFF));
-}
 
 inline void Align(TBytes& ABytes) { ABytes.resize((ABytes.size() + 3) & ~std::size_t{3}); }
 
 inline TBytes Text(std::u16string_view AText) {
   TBytes bytes;
-  for (const char16_t unit : AText) PutWord(bytes, unit);
-  PutWord(bytes, 0);
+  for (const char16_t unit : AText) Put(bytes, unit, 2);
+  Put(bytes, 0, 2);
   return bytes;
 }
 
@@ -30,19 +21,15 @@ inline TBytes Text(std::u16string_view AText) {
 inline TBytes Node(std::u16string_view AKey, std::uint16_t AKind, const TBytes& AValue, std::size_t AValueLength,
                    const std::vector<TBytes>& AChildren = {}) {
   TBytes node;
-  PutWord(node, 0);
-  PutWord(node, AValueLength);
-  PutWord(node, AKind);
-  const TBytes key = Text(AKey);
-  node.insert(node.end(), key.begin(), key.end());
+  for (const std::size_t word : {std::size_t{0}, AValueLength, std::size_t{AKind}}) Put(node, word, 2);
+  Append(node, Text(AKey));
   Align(node);
-  node.insert(node.end(), AValue.begin(), AValue.end());
+  Append(node, AValue);
   for (const TBytes& child : AChildren) {
     Align(node);
-    node.insert(node.end(), child.begin(), child.end());
+    Append(node, child);
   }
-  node[0] = static_cast<std::byte>(node.size() & 0xFF);
-  node[1] = static_cast<std::byte>(node.size() >> 8);
+  Patch(node, 0, node.size(), 2);
   return node;
 }
 
@@ -59,8 +46,8 @@ inline TBytes Strings(const std::vector<TBytes>& ATables) { return Node(u"String
 inline TBytes Translations(const std::vector<TVersionTranslation>& AList, std::size_t AExtraBytes = 0) {
   TBytes value;
   for (const TVersionTranslation& translation : AList) {
-    PutWord(value, translation.Language);
-    PutWord(value, translation.CodePage);
+    Put(value, translation.Language, 2);
+    Put(value, translation.CodePage, 2);
   }
   value.resize(value.size() + AExtraBytes);
   return Node(u"VarFileInfo", 1, {}, 0, {Node(u"Translation", 0, value, value.size())});
@@ -68,6 +55,20 @@ inline TBytes Translations(const std::vector<TVersionTranslation>& AList, std::s
 
 inline TBytes Resource(const std::vector<TBytes>& AParts, std::u16string_view AKey = u"VS_VERSION_INFO") {
   return Node(AKey, 0, TBytes(52), 52, AParts);
+}
+
+/// A version resource with the fixed part only.
+inline TBytes MakeVersion(std::uint16_t AMajor, std::uint16_t AMinor) {
+  TBytes fixed;
+  Put(fixed, 0xFEEF04BD, 4);
+  Put(fixed, 0x10000, 4);
+  for (int i = 0; i < 2; ++i) {
+    Put(fixed, AMinor, 2);
+    Put(fixed, AMajor, 2);
+    Put(fixed, 0, 4);
+  }
+  fixed.resize(52);
+  return Node(u"VS_VERSION_INFO", 0, fixed, 52);
 }
 
 }  // namespace varcolin::testing

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "common/PeBuilder.h"
+#include "common/VersionBytes.h"
 #include "contract/TempFolder.h"
 #include "support/uText.h"
 

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "common/PeBuilder.h"
+#include "common/VersionBytes.h"
 
 namespace varcolin {
 namespace {

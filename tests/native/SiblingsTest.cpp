@@ -7,6 +7,7 @@
 #include <functional>
 #include <thread>
 
+#include "common/PeBuilder.h"
 #include "common/VersionBytes.h"
 #include "intf/intf_Brismere.h"
 #include "intf/intf_DebugLog.h"
@@ -15,7 +16,6 @@
 #include "intf/intf_Quillet.h"
 #include "intf/intf_Settings.h"
 #include "intf/intf_Tolvane.h"
-#include "platform/decorators/ForwardingFiles.h"
 #include "platform/simulated/SimulatedMachine.h"
 #include "support/uGuid.h"
 
@@ -162,34 +162,19 @@ TEST_F(Siblings, FolderSize) {
   EXPECT_EQ(Helper().GetFolderSize(nullptr), 0);
 }
 
-/// Answers every question for a version resource with the same bytes.
-class TVersionedFiles final : public TForwardingFiles {
- public:
-  using TForwardingFiles::TForwardingFiles;
-  TWinError ReadVersionResource(std::u16string_view, std::vector<std::byte>& AData) override {
-    AData = Bytes;
-    return WinError::Success;
-  }
-  testing::TBytes Bytes;
-};
-
 TEST_F(Siblings, VersionLanguage) {
-  const TMachine all = FMachine.Facilities();
-  TVersionedFiles files(all.Files);
-  TSiblingLibraries::Load(TMachine{all.Sync, all.Registry, files, all.System, all.Modules, all.Shell, all.Icons,
-                                   all.Processes, all.Starts, all.Windows, all.Messages, all.Com, all.Xml, all.Apps});
-  const std::pair<testing::TBytes, std::string_view> cases[] = {
-      {testing::Resource({testing::Translations({{0x0409, 0x04B0}})}), "English (United States)"},
-      {testing::Resource({testing::Translations({{0, 0x04B0}})}), ""},
-      {testing::Resource({testing::Translations({{0xFFFF, 0x04B0}})}), ""},
-      {testing::Resource({}), ""},
+  const std::pair<std::vector<testing::TBytes>, std::string_view> cases[] = {
+      {{testing::Translations({{0x0409, 0x04B0}})}, "English (United States)"},
+      {{testing::Translations({{0, 0x04B0}})}, ""},
+      {{testing::Translations({{0xFFFF, 0x04B0}})}, ""},
       {{}, ""},
   };
-  for (const auto& [bytes, language] : cases) {
-    files.Bytes = bytes;
+  for (const auto& [parts, language] : cases) {
+    testing::TPeBuilder executable;
+    executable.Add(16, 1, testing::Resource(parts));
+    FMachine.Files().AddFile(u"C:\\a.exe", executable.Build());
     EXPECT_EQ(TextFrom([](TOleString* R) { Helper().GetVersionLanguage(u"C:\\a.exe", R); }), language);
   }
-  TSiblingLibraries::Unload();
 }
 
 TEST_F(Siblings, ProgramsAreLookedUpOnTheMachine) {
@@ -206,15 +191,14 @@ TEST_F(Siblings, ProgramsAreLookedUpOnTheMachine) {
   }
 }
 
-TEST_F(Siblings, DebugModeIsANumberInTheRegistry) {
+TEST_F(Siblings, DebugModeIsTheNumberOneInTheRegistry) {
   const std::u16string_view key = u"HKEY_CURRENT_USER\\Software\\Zentrova\\DebugMode";
   EXPECT_FALSE(Helper().IsDebugMode());
-  Helper().SetDebugMode(true);
-  EXPECT_EQ(DwordAt(key, u"DebugMode"), 1U);
-  EXPECT_TRUE(Helper().IsDebugMode());
-  Helper().SetDebugMode(false);
-  EXPECT_EQ(DwordAt(key, u"DebugMode"), 0U);
-  EXPECT_FALSE(Helper().IsDebugMode());
+  for (const bool isOn : {true, false}) {
+    Helper().SetDebugMode(isOn);
+    EXPECT_EQ(DwordAt(key, u"DebugMode"), isOn ? 1U : 0U);
+    EXPECT_EQ(Helper().IsDebugMode(), isOn);
+  }
   FMachine.Registry().SetDwordAt(key, u"DebugMode", 2);
   EXPECT_FALSE(Helper().IsDebugMode());
   FMachine.Registry().SetTextAt(key, u"DebugMode", u"1");
@@ -287,16 +271,6 @@ TEST_F(Siblings, BackupIsOnUnlessSwitchedOffAndServedWhenSwitchedOn) {
   EXPECT_FALSE(service.IsEnabled());
   FMachine.Registry().SetDwordAt(u"HKEY_CURRENT_USER\\Software\\Zentrova\\Velmoran\\Brismere", u"Enabled", 1);
   EXPECT_TRUE(service.IsEnabled());
-}
-
-TEST_F(Siblings, RatingsComeFromTheListBesideTheLibrary) {
-  const std::u16string list = u"C:\\Program Files (x86)\\Velmoran\\TolvaneRatings.txt";
-  FMachine.Files().AddFile(list, "risky publisher Example\ntrustworthy file tool.exe\n");
-  EXPECT_EQ(Get<ITolvane>(u"TolvaneHelper.dll").GetPublisherRating(u"EXAMPLE"), TSoftwareRating::stRisky);
-  EXPECT_EQ(Get<ITolvane>(u"TolvaneHelper.dll").GetFileRating(u"D:\\Tool.exe"), TSoftwareRating::stTrustWorthy);
-  TSiblingLibraries::Load(FMachine.Facilities());
-  ASSERT_EQ(FMachine.Files().RemoveFile(list), WinError::Success);
-  EXPECT_EQ(Get<ITolvane>(u"TolvaneHelper.dll").GetPublisherRating(u"EXAMPLE"), TSoftwareRating::stUnknown);
 }
 
 TEST_F(Siblings, ProcessList) {

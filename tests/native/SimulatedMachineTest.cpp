@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
+#include "common/Facts.h"
 #include "common/PeBuilder.h"
 #include "support/uText.h"
 
@@ -174,13 +173,7 @@ TEST(SimulatedIconsTest, KeepsThePictureOfTheRightSize) {
 }
 
 TEST(SimulatedMachineTest, KnowsOlderSystems) {
-  TSimulatedFacts facts;
-  facts.Version.Major = 5;
-  facts.Version.Minor = 1;
-  facts.Version.Build = 2600;
-  facts.NativeArchitecture = Architecture::Intel;
-  facts.IsWow64 = false;
-  TSimulatedMachine machine(facts);
+  TSimulatedMachine machine(testing::FactsOfXP());
   TMachine facilities = machine.Facilities();
   std::u16string text = u"untouched";
   std::uint32_t type = 0;
@@ -199,25 +192,6 @@ TEST(SimulatedMachineTest, KnowsOlderSystems) {
   TDllVersion version;
   EXPECT_EQ(facilities.Modules.QueryDllVersion(u"shell32", version), WinError::Success);
   EXPECT_EQ(version.Major, 6U);
-}
-
-TEST(SimulatedMachineTest, AnswersBoxesAndEndsByException) {
-  TSimulatedMachine machine;
-  TSimulatedMessages& messages = machine.Messages();
-  messages.QueueAnswer(MessageAnswer::Yes);
-  EXPECT_EQ(messages.ShowBox(u"a", u"b", MessageStyle::YesNo | MessageStyle::TopMost), MessageAnswer::Yes);
-  EXPECT_EQ(messages.ShowBox(u"c", u"d", MessageStyle::YesNo), MessageAnswer::No);
-  EXPECT_EQ(messages.ShowBox(u"e", u"f", MessageStyle::IconError), MessageAnswer::Ok);
-  EXPECT_EQ(messages.Shown().size(), 3U);
-  try {
-    machine.Processes().EndOwnProcess(7);
-  } catch (const std::exception&) {
-    FAIL() << "an error handler would catch it";
-  } catch (const TSimulatedProcessEnd& end) {
-    EXPECT_EQ(end.Code, 7U);
-  }
-  std::thread([&] { EXPECT_TRUE(machine.Com().JoinCom(ECom::Apartment)); }).join();
-  EXPECT_EQ(machine.OpenHandleCount(), 1U) << "a thread that never left";
 }
 
 TEST(SimulatedSystemTest, KeepsLocalTimesInRange) {

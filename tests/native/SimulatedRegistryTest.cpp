@@ -59,21 +59,6 @@ TEST(SimulatedClockTest, TicksOverflowAndTimeCanBeSet) {
   EXPECT_GE(clock.Now().Ticks, 5 + TicksPerMillisecond);
 }
 
-TEST(SimulatedSyncTest, AnotherProcessCanHoldAMutex) {
-  TSimulatedClock clock(Start);
-  TSimulatedSync sync(clock);
-  TNamedMutex mutex;
-  bool existed = false;
-  sync.HoldMutex(u"Name");
-  EXPECT_EQ(sync.MakeNamedMutex(u"Name", mutex, existed), WinError::Success);
-  EXPECT_TRUE(existed);
-  EXPECT_EQ(sync.OpenHandleCount(), 1u);
-  sync.ReleaseMutex(u"Name");
-  mutex.Close();
-  EXPECT_EQ(sync.OpenNamedMutex(u"Name", mutex), WinError::FileNotFound);
-  EXPECT_EQ(sync.OpenHandleCount(), 0u);
-}
-
 class SimulatedRegistryTest : public ::testing::Test {
  protected:
   TRegistryKey Open(ERegistryRoot ARoot, std::u16string_view APath, std::uint32_t AAccess = KeyAccess::Read) {
@@ -206,17 +191,6 @@ TEST_F(SimulatedRegistryTest, RemovedTreesLeaveOpenKeysAndSharedKeysInOrder) {
   EXPECT_EQ(Registry.EnumKey(deep, 0, name), WinError::KeyDeleted);
   Registry.AddKey(u"HKLM\\Software\\Policies\\New");
   EXPECT_EQ(SubKeyCount(Open(ERegistryRoot::LocalMachine, u"Software\\Policies")), 1u) << "still shared";
-}
-
-TEST_F(SimulatedRegistryTest, ThirtyTwoBitWindowsHasOneView) {
-  TSimulatedRegistry registry(Clock, Sync, {false, false, u"S-1-5-21-1"});
-  registry.AddKey(u"HKLM\\Software\\A");
-  TRegistryKey key;
-  for (const std::uint32_t view : {0u, KeyAccess::Wow64_32Key, KeyAccess::Wow64_64Key}) {
-    EXPECT_EQ(registry.OpenKey(ERegistryRoot::LocalMachine, u"Software\\A", KeyAccess::Read | view, key),
-              WinError::Success);
-  }
-  EXPECT_FALSE(registry.HasKey(u"HKLM\\Software\\Wow6432Node"));
 }
 
 // Readers, writers and watchers at the same time; the thread sanitizer looks on.

@@ -14,19 +14,26 @@ namespace {
 
 using enum TPossibleActions;
 
-#define UNINSTALL "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\"
-
-constexpr const char* Tool = "[" UNINSTALL
-                             "Tool]\n\"DisplayName\"=\"Tool\"\n\"UninstallString\"=\"\\\"C:\\\\T\\\\u.exe\\\" /x\"\n"
-                             "\"ModifyPath\"=\"C:\\\\T\\\\u.exe /modify\"\n";
+constexpr const char16_t* ToolKey =
+    u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Tool";
 
 /// "Tool" on a machine on which its uninstaller does what AProgram says.
 class TToolSession : public TSession {
  public:
   explicit TToolSession(TSimulatedProgram AProgram = {}) {
-    AProgram.Path = u"C:\\T\\u.exe";
+    Describe(u"C:\\T\\u.exe", std::move(AProgram));
+    AddProgram("Tool",
+               "\"UninstallString\"=\"\\\"C:\\\\T\\\\u.exe\\\" /x\"\n\"ModifyPath\"=\"C:\\\\T\\\\u.exe /modify\"\n");
+  }
+  void Describe(std::u16string_view APath, TSimulatedProgram AProgram = {}) {
+    AProgram.Path = APath;
     Machine().Starts().Describe(std::move(AProgram));
-    Reg(Tool);
+  }
+  /// More programs, which have the uninstaller of "Tool".
+  void AddMore(int ACount) {
+    for (int number = 0; number < ACount; ++number) {
+      AddProgram("Tool " + std::to_string(number), "\"UninstallString\"=\"C:\\\\T\\\\u.exe\"\n");
+    }
   }
   [[nodiscard]] std::vector<std::string> Commands() {
     std::vector<std::string> commands;
@@ -42,15 +49,16 @@ class TToolSession : public TSession {
   }
 };
 
-TSimulatedProgram RunsFor(std::optional<std::uint32_t> ATime) {
+TSimulatedProgram RunsFor(std::optional<std::uint32_t> ATime, std::vector<TProgramChild> AStarts = {}) {
   TSimulatedProgram program;
   program.Runs = ATime;
+  program.Starts = std::move(AStarts);
   return program;
 }
 
 TEST(ActionRunTest, UninstallRunsToTheEndAndTheEntryVanishes) {
   TSimulatedProgram program = RunsFor(1500);
-  program.RemovesKeys = {u"" UNINSTALL "Tool"};
+  program.RemovesKeys = {ToolKey};
   program.RemovesFiles = {u"C:\\T"};
   TToolSession session(program);
   session.Discover();
@@ -127,12 +135,8 @@ TEST(ActionRunTest, CopyOfTheUninstallerKeepsTheProductBusy) {
         TCopyCase{"too short a name", u"u_.exe", 500, false}}) {
     SCOPED_TRACE(row.Name);
     const std::u16string path = std::u16string(u"C:\\Temp\\") + row.File;
-    TSimulatedProgram program = RunsFor(row.UninstallerRuns);
-    program.Starts = {{path, row.UninstallerRuns - 100}};
-    TToolSession session(program);
-    TSimulatedProgram copy = RunsFor(20'000);
-    copy.Path = path;
-    session.Machine().Starts().Describe(copy);
+    TToolSession session(RunsFor(row.UninstallerRuns, {{path, row.UninstallerRuns - 100}}));
+    session.Describe(path, RunsFor(20'000));
     session.Discover();
     const std::uint32_t end = row.UninstallerRuns + (row.IsWaitedFor ? 19'900 : 0);
     const std::uint32_t took = session.RunToItsEnd(*session.Program("Tool"), paUninstall);
@@ -149,12 +153,8 @@ TEST(ActionRunTest, ProcessThatWasThereBeforeIsNoCopy) {
 }
 
 TEST(ActionRunTest, TickCountMayWrapAround) {
-  TSimulatedProgram program = RunsFor(500);
-  program.Starts = {{u"C:\\Temp\\Au_.exe", 400}};
-  TToolSession session(program);
-  TSimulatedProgram copy = RunsFor(3000);
-  copy.Path = u"C:\\Temp\\Au_.exe";
-  session.Machine().Starts().Describe(copy);
+  TToolSession session(RunsFor(500, {{u"C:\\Temp\\Au_.exe", 400}}));
+  session.Describe(u"C:\\Temp\\Au_.exe", RunsFor(3000));
   session.Discover();
   session.Machine().Clock().SetTickCount(0xFFFFFF00);
   EXPECT_GE(session.RunToItsEnd(*session.Program("Tool"), paUninstall), 3400U) << "the copy came in time";
@@ -179,7 +179,7 @@ TEST(ActionRunTest, CommandsThatCannotBeStartedAreShownAndLogged) {
     TToolSession session;
     session.Machine().Files().AddFile(u"C:\\T\\readme.txt", "text");
     session.Machine().Starts().RefuseUserStarts(row.UserStarts);
-    session.Reg("[" UNINSTALL "Tool]\n\"RepairPath\"=\"" + std::string(row.Command) + "\"\n");
+    session.AddProgram("Tool", "\"RepairPath\"=\"" + std::string(row.Command) + "\"\n");
     session.Discover();
     session.RunToItsEnd(*session.Program("Tool"), paRepair);
     const auto boxes = session.Machine().Messages().Shown();
@@ -202,17 +202,9 @@ TEST(ActionRunTest, ActionWithoutACommandStartsNothing) {
 
 TEST(ActionRunTest, StopLeavesEndlessUninstallersAloneAndWaitsForNone) {
   TToolSession session(RunsFor(std::nullopt));
-  for (int number = 0; number < 8; ++number) {
-    const std::string name = "Tool " + std::to_string(number);
-    session.Reg("[" UNINSTALL + name + "]\n\"DisplayName\"=\"" + name +
-                "\"\n\"UninstallString\"=\"C:\\\\T\\\\u.exe\"\n");
-  }
+  session.AddMore(8);
   session.Discover();
-  for (const auto& product : session.Programs()) {
-    TPossibleActions action = paModifyRemove;
-    TNativeUInt window = 0;
-    EXPECT_TRUE(product->RunAction(&action, &window));
-  }
+  for (const auto& product : session.Programs()) EXPECT_TRUE(TSession::Start(*product, paModifyRemove));
   session.Machine().Clock().WaitUntilBlocked(1 + session.Programs().size());
   session.Stop();
   for (const auto& product : session.Programs()) EXPECT_FALSE(TSession::IsBusy(*product));
@@ -226,12 +218,10 @@ TEST(ActionRunTest, StopLeavesEndlessUninstallersAloneAndWaitsForNone) {
 TEST(ActionRunTest, RecordThatIsTakenOffTheListEndsItsAction) {
   TToolSession session(RunsFor(std::nullopt));
   session.Discover();
-  auto tool = session.Program("Tool");
-  TPossibleActions action = paUninstall;
-  TNativeUInt window = 0;
-  ASSERT_TRUE(tool->RunAction(&action, &window));
+  const auto tool = session.Program("Tool");
+  ASSERT_TRUE(TSession::Start(*tool, paUninstall));
   session.Machine().Clock().WaitUntilBlocked(2);
-  session.Machine().Registry().RemoveTree(u"" UNINSTALL "Tool");
+  session.Machine().Registry().RemoveTree(ToolKey);
   session.Machine().Clock().AdvanceUntil([&] { return session.Programs().empty(); }, 100);
   EXPECT_FALSE(TSession::IsBusy(*tool)) << "the wrapper outlives its record";
 }
@@ -279,12 +269,8 @@ TEST(ActionRunTest, ThreadThatCannotBeMadeLeavesTheProductIdle) {
 TEST(ActionRunTest, NoFailedCallLeavesAProductBusyOrAHandleOpen) {
   std::uint64_t number = 1;
   for (bool injected = true; injected; ++number) {
-    TSimulatedProgram program = RunsFor(300);
-    program.Starts = {{u"C:\\Temp\\Au_.exe", 200}};
-    TToolSession session(program);
-    TSimulatedProgram copy = RunsFor(500);
-    copy.Path = u"C:\\Temp\\Au_.exe";
-    session.Machine().Starts().Describe(copy);
+    TToolSession session(RunsFor(300, {{u"C:\\Temp\\Au_.exe", 200}}));
+    session.Describe(u"C:\\Temp\\Au_.exe", RunsFor(500));
     std::atomic<bool> isArmed{false};
     TFaultPlan plan(EFault::Transient, number, TFaultPlan::UnexpectedError, [&](const TCall& ACall) {
       return isArmed && (ACall.Facility == "Processes" || ACall.Facility == "Starts" || ACall.Facility == "Windows" ||
@@ -295,10 +281,9 @@ TEST(ActionRunTest, NoFailedCallLeavesAProductBusyOrAHandleOpen) {
     session.Discover();
     const auto tool = session.Program("Tool");
     isArmed = true;
-    TPossibleActions action = paUninstall;
+    ASSERT_TRUE(TSession::Start(*tool, paUninstall));
+    TPossibleActions action = paModify;
     TNativeUInt window = 0;
-    ASSERT_TRUE(tool->RunAction(&action, &window));
-    action = paModify;
     if (!tool->RunAction(&action, &window)) {
       EXPECT_EQ(action, paUninstall) << "call " << number;
     }
@@ -313,11 +298,7 @@ TEST(ActionRunTest, NoFailedCallLeavesAProductBusyOrAHandleOpen) {
 
 TEST(ActionRunTest, ManyHostThreadsAgreeWhileDiscoveryRuns) {
   TToolSession session(RunsFor(5));
-  for (int number = 0; number < 20; ++number) {
-    const std::string name = "Tool " + std::to_string(number);
-    session.Reg("[" UNINSTALL + name + "]\n\"DisplayName\"=\"" + name +
-                "\"\n\"UninstallString\"=\"C:\\\\T\\\\u.exe\"\n");
-  }
+  session.AddMore(20);
   session.Machine().Clock().SetMode(EClockMode::Running);
   IVarcolin& manager = session.Load();
   manager.Refresh();
@@ -330,9 +311,8 @@ TEST(ActionRunTest, ManyHostThreadsAgreeWhileDiscoveryRuns) {
       IProduct& product = *products[(AThread * 7 + round) % products.size()];
       static_cast<void>(PropertyOf(product, TPropertyID::DisplayName));
       static_cast<void>(product.GetPossibleActions());
-      TNativeUInt window = 0;
-      TPossibleActions action = (round + AThread) % 9 == 0 ? paRemoveFromRegistry : paModifyRemove;
-      if (product.RunAction(&action, &window) && action == paModifyRemove) ++started;
+      const TPossibleActions action = (round + AThread) % 9 == 0 ? paRemoveFromRegistry : paModifyRemove;
+      if (TSession::Start(product, action) && action == paModifyRemove) ++started;
       if (AThread == 0 && round % 10 == 9) manager.Refresh();
     }
   };
@@ -367,11 +347,7 @@ TEST(WindowsFeaturesTest, OpensWhatTheWindowsHas) {
         TFeaturesCase{"a wizard that runs", {Features}, true, {}}}) {
     SCOPED_TRACE(row.Name);
     TToolSession session;
-    for (const char16_t* const path : row.Programs) {
-      TSimulatedProgram program;
-      program.Path = path;
-      session.Machine().Starts().Describe(program);
-    }
+    for (const char16_t* const path : row.Programs) session.Describe(path);
     if (row.WizardRuns) session.Machine().Sync().HoldMutex(u"sysoc");
     session.Load().ShowWindowsFeatures();
     auto commands = session.Commands();

@@ -19,7 +19,6 @@ using enum TPropertyID;
 
 constexpr std::u16string_view Menu = u"C:\\Users\\User\\AppData\\Roaming\\Microsoft\\Windows\\Start Menu\\Programs\\";
 constexpr std::u16string_view CommonMenu = u"C:\\ProgramData\\Microsoft\\Windows\\Start Menu\\Programs\\";
-constexpr std::string_view Uninstall = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\";
 constexpr std::string_view RunKey = "\\Microsoft\\Windows\\CurrentVersion\\Run]\n";
 
 TBytes LinkTo(std::u16string_view ATarget, std::u16string_view AIcon = {}, std::int32_t AIconIndex = 0) {
@@ -37,27 +36,26 @@ TBytes ExecutableWith(const std::vector<TBytes>& AStrings, std::uint16_t ALangua
   return builder.Build();
 }
 
+using TLines = std::vector<std::string>;
+
+/// What was found, one line an entry: executable, shortcut's name, icon.
+TLines Folders() {
+  const std::scoped_lock lock(TItemFolder::Mutex());
+  TLines lines;
+  for (const auto& item : TItemFolder::Items()) {
+    lines.push_back(ToUtf8(item->FExecutedFile + u"|" + item->FLinkName + u"|" + item->FIconLocation));
+  }
+  return lines;
+}
+
 /// A machine with one program, Tool, so that its details are due.
 class FoldersTest : public ::testing::Test {
  protected:
-  void AddProgram(std::string_view AName, std::string_view AValues = {}) {
-    Session.Reg("[" + std::string(Uninstall) + std::string(AName) + "]\n\"DisplayName\"=\"" + std::string(AName) +
-                "\"\n" + std::string(AValues));
-  }
   void AddFile(std::u16string_view APath, const TBytes& AData = {}) { Files.AddFile(APath, AData); }
 
-  /// What was found, one line an entry: executable, shortcut's name, icon.
-  static std::vector<std::string> Folders() {
-    const std::scoped_lock lock(TItemFolder::Mutex());
-    std::vector<std::string> lines;
-    for (const auto& item : TItemFolder::Items()) {
-      lines.push_back(ToUtf8(item->FExecutedFile + u"|" + item->FLinkName + u"|" + item->FIconLocation));
-    }
-    return lines;
-  }
-  /// The same after a first reading.
-  std::vector<std::string> Found() {
-    AddProgram("Tool");
+  /// What a first reading finds.
+  TLines Found() {
+    Session.AddProgram("Tool");
     Session.Discover();
     return Folders();
   }
@@ -65,8 +63,6 @@ class FoldersTest : public ::testing::Test {
   TSession Session;
   TSimulatedFiles& Files = Session.Machine().Files();
 };
-
-using TLines = std::vector<std::string>;
 
 TEST_F(FoldersTest, AProgramLearnsFromTheExecutableOfItsShortcut) {
   const std::u16string tool = u"C:\\Apps\\Tool\\tool.exe";
@@ -76,8 +72,9 @@ TEST_F(FoldersTest, AProgramLearnsFromTheExecutableOfItsShortcut) {
   Files.SetTimes(tool, {}, used, {});
   Files.AddFile(u"C:\\Program Files (x86)\\Velmoran\\TolvaneRatings.txt", "risky file C:\\Apps\\Tool\\tool.exe\n");
   AddFile(std::u16string(CommonMenu) + u"Maker\\Tool 3.lnk", LinkTo(tool, u"%windir%\\system32\\pictures.dll", 0));
-  AddProgram("Tool (x86) 3.0");
-  AddProgram("Known", "\"Publisher\"=\"Own\"\n\"DisplayVersion\"=\"9\"\n\"InstallLocation\"=\"C:\\\\Apps\\\\Tool\"\n");
+  Session.AddProgram("Tool (x86) 3.0");
+  Session.AddProgram("Known",
+                     "\"Publisher\"=\"Own\"\n\"DisplayVersion\"=\"9\"\n\"InstallLocation\"=\"C:\\\\Apps\\\\Tool\"\n");
   Session.Discover();
   const auto program = Session.Program("Tool (x86) 3.0");
   EXPECT_EQ(PropertyOf(*program, Publisher), "Maker");
@@ -131,7 +128,8 @@ TEST_F(FoldersTest, AProgramFindsItsFolderByNameThenByPlaceThenByAPartOfItsName)
       {"Lonely", "C:\\\\Users\\\\User\\\\AppData\\\\Roaming\\\\Microsoft\\\\Windows\\\\Start Menu\\\\Programs\\\\G",
        ""},
   };
-  for (const TRow& row : rows) AddProgram(row.Name, "\"InstallLocation\"=\"" + std::string(row.Location) + "\"\n");
+  for (const TRow& row : rows)
+    Session.AddProgram(row.Name, "\"InstallLocation\"=\"" + std::string(row.Location) + "\"\n");
   Session.Discover();
   for (const TRow& row : rows) {
     const auto program = Session.Program(row.Name);
@@ -222,15 +220,14 @@ struct TValueCase {
   const char* Name;
   const char* Registry;
   const char* Expected;  ///< the line of what was found; null for nothing
+  const char* Settings = "\"NoEncrypt\"=dword:0";
+
+  [[nodiscard]] TLines Lines() const { return Expected == nullptr ? TLines{} : TLines{Expected}; }
 };
-
-void PrintTo(const TValueCase& ACase, std::ostream* AStream) { *AStream << ACase.Name; }
-
-TLines LinesOf(const TValueCase& ACase) { return ACase.Expected == nullptr ? TLines{} : TLines{ACase.Expected}; }
 
 constexpr const char* App = "c:\\tools\\app.exe||";
 
-const TValueCase RunCases[] = {
+constexpr TValueCase RunCases[] = {
     {"quoted, with arguments", R"("v"="\"C:\\Tools\\App.exe\" /min")", App},
     {"quoted", R"("v"="\"C:\\Tools\\App.exe\"")", App},
     {"plain", R"("v"="C:\\Tools\\App.EXE")", App},
@@ -251,20 +248,29 @@ const TValueCase RunCases[] = {
     {"a number", R"("v"=dword:1)", nullptr},
 };
 
-class RunKeyTest : public FoldersTest, public ::testing::WithParamInterface<TValueCase> {};
-
-TEST_P(RunKeyTest, CommandsWithoutArgumentsAreTaken) {
-  AddFile(u"C:\\Tools\\App.exe");
-  AddFile(u"C:\\Tools\\App.txt");
-  AddFile(u"C:\\Windows\\system.exe");
-  AddFile(u"C:\\Windows\\e.exe");
-  AddFile(u"C:\\a.exe");
-  Files.AddFolder(u"C:\\Tools\\Folder.exe");
-  Session.Reg("[HKEY_CURRENT_USER\\Software" + std::string(RunKey) + GetParam().Registry);
-  EXPECT_EQ(Found(), LinesOf(GetParam()));
+/// What is found on a new machine with files to run, and this in its registry.
+TLines FoundWith(const std::string& ARegistry) {
+  TSession session;
+  auto& files = session.Machine().Files();
+  for (const char16_t* file : {u"C:\\Tools\\App.exe", u"C:\\Tools\\App.txt", u"C:\\Windows\\system.exe",
+                               u"C:\\Windows\\e.exe", u"C:\\a.exe"}) {
+    files.AddFile(file, "");
+  }
+  files.AddFolder(u"C:\\Tools\\Folder.exe");
+  for (const char16_t* link : {u"C:\\Tools\\App.lnk", u"C:\\Users\\User\\Desktop\\Notes.lnk"}) {
+    files.AddFile(link, LinkTo(u"C:\\Tools\\App.exe"));
+  }
+  session.AddProgram("Tool");
+  session.Reg(ARegistry);
+  session.Discover();
+  return Folders();
 }
 
-INSTANTIATE_TEST_SUITE_P(Values, RunKeyTest, ::testing::ValuesIn(RunCases));
+TEST(RunKeysTest, CommandsWithoutArgumentsAreTaken) {
+  for (const TValueCase& row : RunCases) {
+    EXPECT_EQ(FoundWith("[HKEY_CURRENT_USER\\Software" + std::string(RunKey) + row.Registry), row.Lines()) << row.Name;
+  }
+}
 
 TEST(RunKeysTest, BothViewsOfTheMachineAreRead) {
   for (const bool isWow64 : {true, false}) {
@@ -272,18 +278,16 @@ TEST(RunKeysTest, BothViewsOfTheMachineAreRead) {
     facts.IsWow64 = isWow64;
     TSession session(facts);
     for (const char16_t* file : {u"C:\\32.exe", u"C:\\64.exe"}) session.Machine().Files().AddFile(file, "");
-    session.Reg("[" + std::string(Uninstall) + "Tool]\n\"DisplayName\"=\"Tool\"\n[HKEY_LOCAL_MACHINE\\SOFTWARE" +
-                std::string(RunKey) + "\"v\"=\"C:\\\\64.exe\"\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node" +
-                std::string(RunKey) + "\"v\"=\"C:\\\\32.exe\"\n");
+    session.AddProgram("Tool");
+    session.Reg("[HKEY_LOCAL_MACHINE\\SOFTWARE" + std::string(RunKey) +
+                "\"v\"=\"C:\\\\64.exe\"\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node" + std::string(RunKey) +
+                "\"v\"=\"C:\\\\32.exe\"\n");
     session.Discover();
-    const std::scoped_lock lock(TItemFolder::Mutex());
-    std::u16string found;
-    for (const auto& item : TItemFolder::Items()) found += item->FExecutedFile;
-    EXPECT_EQ(found, isWow64 ? u"c:\\32.exec:\\64.exe" : u"c:\\64.exe");
+    EXPECT_EQ(Folders(), isWow64 ? TLines({"c:\\32.exe||", "c:\\64.exe||"}) : TLines{"c:\\64.exe||"});
   }
 }
 
-const TValueCase UsageCases[] = {
+constexpr TValueCase UsageCases[] = {
     {"an executable", R"("HRZR_EHACNGU:P:\\Gbbyf\\Ncc.rkr"=hex:00)", "C:\\Tools\\App.exe||"},
     {"in other case", R"("hrzr_ehacngu:p:\\gbbyf\\NCC.RKR"=hex:00)", "c:\\tools\\APP.EXE||"},
     {"a shortcut of the desktop", R"("HRZR_EHACNGU:Abgrf.yax"=hex:00)", "C:\\Tools\\App.exe|Notes|"},
@@ -298,37 +302,19 @@ const TValueCase UsageCases[] = {
     {"an extension alone", R"("HRZR_EHACNGU:.yax"=hex:00)", nullptr},
     {"part of the kind", R"("HRZR_EHAC"=hex:00)", nullptr},
     {"an unnamed value", R"(@="")", nullptr},
+    {"taken as it is", R"("UEME_RUNPATH:C:\\Tools\\App.exe"=hex:00)", "C:\\Tools\\App.exe||", "\"NoEncrypt\"=dword:1"},
+    {"a setting of another type", R"("UEME_RUNPATH:C:\\Tools\\App.exe"=hex:00)", nullptr, "\"NoEncrypt\"=\"1\""},
 };
 
-class UsageRecordTest : public FoldersTest, public ::testing::WithParamInterface<TValueCase> {
- protected:
-  TLines FoundIn(std::string_view ARecord, std::string_view ASettings) {
-    constexpr const char* UserAssist =
-        "[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\UserAssist\\";
-    AddFile(u"C:\\Tools\\App.exe");
-    AddFile(u"C:\\Tools\\App.txt");
-    AddFile(u"C:\\Windows\\system.exe");
-    AddFile(u"C:\\Tools\\App.lnk", LinkTo(u"C:\\Tools\\App.exe"));
-    AddFile(u"C:\\Users\\User\\Desktop\\Notes.lnk", LinkTo(u"C:\\Tools\\App.exe"));
-    Session.Reg(std::string(UserAssist) + "{75048700-EF1F-11D0-9888-006097DEACF9}\\Count]\n" + std::string(ARecord) +
-                "\n" + UserAssist + "Settings]\n" + std::string(ASettings));
-    return Found();
+TEST(UsageRecordTest, NamesArePathsOfUsedFiles) {
+  const std::string userAssist =
+      "[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\UserAssist\\";
+  for (const TValueCase& row : UsageCases) {
+    EXPECT_EQ(FoundWith(userAssist + "{75048700-EF1F-11D0-9888-006097DEACF9}\\Count]\n" + row.Registry + "\n" +
+                        userAssist + "Settings]\n" + row.Settings),
+              row.Lines())
+        << row.Name;
   }
-};
-
-TEST_P(UsageRecordTest, NamesArePathsOfUsedFiles) {
-  EXPECT_EQ(FoundIn(GetParam().Registry, "\"NoEncrypt\"=dword:0\n"), LinesOf(GetParam()));
-}
-
-INSTANTIATE_TEST_SUITE_P(Names, UsageRecordTest, ::testing::ValuesIn(UsageCases));
-
-TEST_F(UsageRecordTest, NamesAreTakenAsTheyAreWhenTheyAreNotScrambled) {
-  EXPECT_EQ(FoundIn(R"("UEME_RUNPATH:C:\\Tools\\App.exe"=hex:00)", "\"NoEncrypt\"=dword:1\n"),
-            TLines{"C:\\Tools\\App.exe||"});
-}
-
-TEST_F(UsageRecordTest, ASettingOfAnotherTypeIsNone) {
-  EXPECT_EQ(FoundIn(R"("UEME_RUNPATH:C:\\Tools\\App.exe"=hex:00)", "\"NoEncrypt\"=\"1\"\n"), TLines{});
 }
 
 }  // namespace

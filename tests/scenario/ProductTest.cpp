@@ -29,19 +29,14 @@ TBytes PeWithTwoIcons() {
   return builder.Build();
 }
 
-constexpr const char* UninstallTool =
-    "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Tool]\n\"DisplayName\"=\"Tool\"\n";
-
 struct TCase {
   const char* Name;
-  std::string Values;
+  std::string_view Values;
   TPropertyID Property;
   const char* Expected;
 };
 
-void PrintTo(const TCase& ACase, std::ostream* AStream) { *AStream << ACase.Name; }
-
-const TCase Cases[] = {
+constexpr TCase Cases[] = {
     {"version from the text", "\"DisplayVersion\"=\"1.2\"\n\"VersionMajor\"=dword:9\n", DisplayVersion, "1.2"},
     {"an expandable version is none", "\"DisplayVersion\"=hex(2):31,00\n", DisplayVersion, ""},
     {"version from its parts", "\"VersionMajor\"=dword:5\n\"VersionMinor\"=\"1\"\n", DisplayVersion, "5.1"},
@@ -88,26 +83,23 @@ const TCase Cases[] = {
     {"no update identifier", "", UpdateID, "null"},
 };
 
-class PropertyTest : public ::testing::TestWithParam<TCase> {};
-
-TEST_P(PropertyTest, ReadsTheRegistryAsWritten) {
-  TSession session;
-  session.Machine().Files().AddFile(u"C:\\Windows\\names.dll", PeWithString(101, u"From a resource"));
-  session.Reg(UninstallTool + GetParam().Values);
-  session.Discover();
-  ASSERT_EQ(session.Programs().size(), 1U);
-  EXPECT_EQ(PropertyOf(*session.Programs()[0], GetParam().Property), GetParam().Expected);
+TEST(ProductTest, PropertiesAreReadFromTheRegistryAsWritten) {
+  for (const TCase& row : Cases) {
+    SCOPED_TRACE(row.Name);
+    TSession session;
+    session.Machine().Files().AddFile(u"C:\\Windows\\names.dll", PeWithString(101, u"From a resource"));
+    session.AddProgram("Tool", row.Values);
+    session.Discover();
+    ASSERT_EQ(session.Programs().size(), 1U);
+    EXPECT_EQ(PropertyOf(*session.Programs()[0], row.Property), row.Expected);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Values, PropertyTest, ::testing::ValuesIn(Cases));
 
 struct TActionCase {
   const char* Name;
   std::string Values;
   const char* Expected;
 };
-
-void PrintTo(const TActionCase& ACase, std::ostream* AStream) { *AStream << ACase.Name; }
 
 constexpr const char* There = "\"UninstallString\"=\"C:\\\\There\\\\u.exe /x\"\n";
 constexpr const char* Gone = "\"UninstallString\"=\"C:\\\\Gone\\\\u.exe /x\"\n";
@@ -132,28 +124,23 @@ const TActionCase ActionCases[] = {
      "uninstall,forget"},
 };
 
-class ActionTest : public ::testing::TestWithParam<TActionCase> {};
-
-TEST_P(ActionTest, OffersWhatTheEntryAllows) {
-  TSession session;
-  session.Machine().Files().AddFile(u"C:\\There\\u.exe", "");
-  session.Reg(UninstallTool + GetParam().Values);
-  session.Discover();
-  ASSERT_EQ(session.Programs().size(), 1U);
-  EXPECT_EQ(ActionsOf(session.Programs()[0]->GetPossibleActions()), GetParam().Expected);
+TEST(ProductTest, ActionsAreThoseThatTheEntryAllows) {
+  for (const TActionCase& row : ActionCases) {
+    SCOPED_TRACE(row.Name);
+    TSession session;
+    session.Machine().Files().AddFile(u"C:\\There\\u.exe", "");
+    session.AddProgram("Tool", row.Values);
+    session.Discover();
+    EXPECT_EQ(ActionsOf(session.Program("Tool")->GetPossibleActions()), row.Expected);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Flags, ActionTest, ::testing::ValuesIn(ActionCases));
 
 TEST(ProductTest, SeveralKeysFillEachOther) {
   TSession session;
-  session.Reg(
-      UninstallTool +
-      std::string(
-          "\"DisplayVersion\"=\"1\"\n"
-          "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\ToolPart]\n"
-          "\"DisplayName\"=\"Tool\"\n\"SystemComponent\"=dword:1\n\"DisplayVersion\"=\"2\"\n\"Publisher\"=\"Maker\"\n"
-          "\"UninstallString\"=\"other\"\n\"EstimatedSize\"=dword:1\n"));
+  session.AddProgram("Tool", "\"DisplayVersion\"=\"1\"\n");
+  session.AddProgram("ToolPart",
+                     "\"DisplayName\"=\"Tool\"\n\"SystemComponent\"=dword:1\n\"DisplayVersion\"=\"2\"\n"
+                     "\"Publisher\"=\"Maker\"\n\"UninstallString\"=\"other\"\n\"EstimatedSize\"=dword:1\n");
   session.Discover();
   const auto tool = session.Program("Tool");
   EXPECT_EQ(PropertyOf(*tool, DisplayVersion), "1");
@@ -192,8 +179,9 @@ TEST(ProductTest, ShellCacheCompletesProgramsBeforeWindows7) {
   vista.Version.Minor = 0;
   for (const bool isVista : {true, false}) {
     TSession session(isVista ? vista : TSimulatedFacts{});
-    session.Reg(UninstallTool + std::string("[HKEY_LOCAL_MACHINE") + Cache + ShellCache(552, 11, 1) +
-                "\n[HKEY_CURRENT_USER" + Cache + ShellCache(552, 4, 5) + "\n");
+    session.AddProgram("Tool");
+    session.Reg(std::string("[HKEY_LOCAL_MACHINE") + Cache + ShellCache(552, 11, 1) + "\n[HKEY_CURRENT_USER" + Cache +
+                ShellCache(552, 4, 5));
     session.Discover();
     const auto tool = session.Program("Tool");
     EXPECT_EQ(PropertyOf(*tool, EstimatedSize), isVista ? "4096" : "0");
@@ -203,7 +191,8 @@ TEST(ProductTest, ShellCacheCompletesProgramsBeforeWindows7) {
   }
   for (const std::string& broken : {ShellCache(551, 11, 1), ShellCache(553, 11, 1), ShellCache(552, 11, 1, "hex(1)")}) {
     TSession session(vista);
-    session.Reg(UninstallTool + std::string("[HKEY_LOCAL_MACHINE") + Cache + broken + "\n");
+    session.AddProgram("Tool");
+    session.Reg(std::string("[HKEY_LOCAL_MACHINE") + Cache + broken);
     session.Discover();
     EXPECT_EQ(PropertyOf(*session.Program("Tool"), EstimatedSize), "0");
   }
@@ -224,7 +213,7 @@ TEST(ProductTest, SizeIsMeasuredBelowTheInstallFolderOnly) {
     files.AddFile(u"C:\\Windows\\Tool\\c.bin", "c");
     files.AddFile(u"C:\\Program Files\\d.bin", "d");
     files.AddFile(u"C:\\Program Files (x86)\\e.bin", "e");
-    session.Reg(UninstallTool + std::string("\"InstallLocation\"=\"") + row.Location + "\"\n");
+    session.AddProgram("Tool", std::string("\"InstallLocation\"=\"") + row.Location + "\"\n");
     session.Discover();
     EXPECT_EQ(PropertyOf(*session.Program("Tool"), EstimatedSize), row.Size) << row.Location;
   }
@@ -233,11 +222,8 @@ TEST(ProductTest, SizeIsMeasuredBelowTheInstallFolderOnly) {
 TEST(ProductTest, IconsComeFromTheIconLocationAndServeBothLists) {
   TSession session;
   session.Machine().Files().AddFile(u"C:\\T\\icons.exe", PeWithTwoIcons());
-  session.Reg(UninstallTool +
-              std::string("\"DisplayIcon\"=\"\\\"C:\\\\T\\\\icons.exe\\\",-1\"\n"
-                          "[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Plain]"
-                          "\n\"DisplayName\"=\"Plain\"\n"
-                          "\"DisplayIcon\"=\"C:\\\\T\\\\icons.exe,7\"\n"));
+  session.AddProgram("Tool", "\"DisplayIcon\"=\"\\\"C:\\\\T\\\\icons.exe\\\",-1\"\n");
+  session.AddProgram("Plain", "\"DisplayIcon\"=\"C:\\\\T\\\\icons.exe,7\"\n");
   session.Discover();
   EXPECT_EQ(session.Program("Tool")->GetIconIndex(), 4);
   EXPECT_EQ(session.Program("Plain")->GetIconIndex(), 3) << "an index without an icon leaves the default";
@@ -245,33 +231,24 @@ TEST(ProductTest, IconsComeFromTheIconLocationAndServeBothLists) {
   EXPECT_EQ(session.Program("Tool")->GetIconIndex(), 4) << "an icon is added once";
 }
 
-TEST(ProductTest, ChangesAreToldOnceAfterEachReading) {
+TEST(ProductTest, HostLiesInItsOwnInstallLocation) {
   TSession session;
-  session.Reg(UninstallTool);
+  session.AddProgram("Tool", "\"InstallLocation\"=\"c:\\\\PROGRAM files (x86)\\\\velmoran\"\n");
+  session.AddProgram("Plain");
+  session.Discover();
+  EXPECT_FALSE(session.Program("Tool")->IsNotHost());
+  EXPECT_TRUE(session.Program("Plain")->IsNotHost());
+}
+
+TEST(ProductTest, WrappersTellAChangeOnceAReadingAndOutliveTheirRecords) {
+  TSession session;
+  session.AddProgram("Tool");
   session.Discover();
   const auto tool = session.Program("Tool");
   EXPECT_TRUE(tool->IsChanged());
   EXPECT_FALSE(tool->IsChanged());
   session.Discover();
   EXPECT_TRUE(tool->IsChanged());
-}
-
-TEST(ProductTest, HostLiesInItsOwnInstallLocation) {
-  TSession session;
-  session.Reg(UninstallTool +
-              std::string("\"InstallLocation\"=\"c:\\\\PROGRAM files (x86)\\\\velmoran\"\n"
-                          "[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Plain]"
-                          "\n\"DisplayName\"=\"Plain\"\n"));
-  session.Discover();
-  EXPECT_FALSE(session.Program("Tool")->IsNotHost());
-  EXPECT_TRUE(session.Program("Plain")->IsNotHost());
-}
-
-TEST(ProductTest, WrappersOutliveTheirRecords) {
-  TSession session;
-  session.Reg(UninstallTool);
-  session.Discover();
-  const auto tool = session.Program("Tool");
   TPossibleActions action = TPossibleActions::paRemoveFromRegistry;
   TNativeUInt window = 1;
   EXPECT_TRUE(tool->RunAction(&action, &window));
@@ -289,7 +266,7 @@ TEST(ProductTest, WrappersOutliveTheirRecords) {
 
 TEST(CollectionTest, ServesWhatTheHostAsksFor) {
   TSession session;
-  session.Reg(UninstallTool);
+  session.AddProgram("Tool");
   session.Discover();
   TInterfaceRef<IProductCollection> programs;
   TInterfaceRef<IProductCollection> again;

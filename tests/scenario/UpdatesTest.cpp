@@ -17,6 +17,7 @@ namespace {
 
 using TLines = std::vector<std::string>;
 
+constexpr std::string_view Detected = "Detect changes in location \"ulVistaUpdate\".";
 constexpr std::u16string_view Folder = u"C:\\Windows\\Servicing\\Packages\\";
 constexpr std::u16string_view Packages =
     u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Component Based Servicing\\Packages";
@@ -189,9 +190,8 @@ TEST(UpdatesTest, RegistryUpdatesNameThemselvesAfterTheirParent) {
   TSession session;
   session.Reg(
       "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\"
-      "{12345678-1234-1234-1234-123456789ABC}]\n\"ParentDisplayName\"=\"Office\"\n"
-      "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KB7]\n"
-      "\"DisplayName\"=\"Fix\"\n\"ReleaseType\"=\"Hotfix\"\n");
+      "{12345678-1234-1234-1234-123456789ABC}]\n\"ParentDisplayName\"=\"Office\"\n");
+  session.AddProgram("Fix", "\"ReleaseType\"=\"Hotfix\"\n");
   AddPackage(session, "P");
   session.Discover();
   EXPECT_EQ(session.UpdateTitles(),
@@ -294,8 +294,7 @@ TEST(UpdatesTest, PackagesComeAndGoWhileTheReaderWatches) {
   const auto expectSeen = [&](const TLines& AIds, const char* AWhat) {
     session.LetChangesBeSeen();
     EXPECT_EQ(IdsOf(session), AIds) << AWhat;
-    const TLines log = session.LogLines();
-    EXPECT_EQ(std::count(log.begin(), log.end(), "Detect changes in location \"ulVistaUpdate\"."), ++seen) << AWhat;
+    EXPECT_EQ(session.LogCount(Detected), ++seen) << AWhat;
   };
   AddPackage(session, "New");
   expectSeen({"Old", "Stays", "New"}, "a new package");
@@ -307,11 +306,9 @@ TEST(UpdatesTest, PackagesComeAndGoWhileTheReaderWatches) {
   expectSeen({"Stays"}, "a change that takes nothing away");
   session.LetChangesBeSeen();
   session.LetChangesBeSeen();
-  const TLines log = session.LogLines();
-  EXPECT_EQ(std::count(log.begin(), log.end(), "Detect changes in location \"ulVistaUpdate\"."), seen)
-      << "arming the watch anew is no change";
-  EXPECT_EQ(std::count(log.begin(), log.end(), "Delete Vista Update: Old"), 1);
-  EXPECT_EQ(std::count(log.begin(), log.end(), "Delete Vista Update: New"), 1);
+  EXPECT_EQ(session.LogCount(Detected), seen) << "arming the watch anew is no change";
+  EXPECT_EQ(session.LogCount("Delete Vista Update: Old"), 1);
+  EXPECT_EQ(session.LogCount("Delete Vista Update: New"), 1);
   EXPECT_EQ(TItemUpdate::ItemByCode(u"Stays", TTypeUninstallLocation::ulVistaUpdate), kept);
   EXPECT_EQ(ActionsOf(kept->FPossibleActions), "uninstall") << "an update that is found again stays as it is";
 }
@@ -337,27 +334,17 @@ TEST(UpdatesTest, AServicingFolderThatComesLaterIsWatchedFromTheNextChangeOn) {
 }
 
 TEST(UpdatesTest, BeforeVistaNothingIsListed) {
-  TSimulatedFacts facts;
-  facts.Version.Major = 5;
-  facts.Version.Minor = 1;
-  facts.Version.Build = 2600;
-  facts.NativeArchitecture = Architecture::Intel;
-  facts.IsWow64 = false;
-  TSession session(facts);
+  TSession session(FactsOfXP());
   AddPackage(session, "P");
   session.Discover();
   AddPackage(session, "Q");
   session.LetChangesBeSeen();
   EXPECT_EQ(session.UpdateTitles(), TLines{});
-  const TLines log = session.LogLines();
-  EXPECT_EQ(std::count(log.begin(), log.end(), "Detect changes in location \"ulVistaUpdate\"."), 0);
+  EXPECT_EQ(session.LogCount(Detected), 0);
 }
 
 TEST(UpdatesTest, A32BitWindowsHasItsOwnPackageManager) {
-  TSimulatedFacts facts;
-  facts.NativeArchitecture = Architecture::Intel;
-  facts.IsWow64 = false;
-  TSession session(facts);
+  TSession session(FactsOf32BitWindows());
   AddPackage(session, "P");
   session.Discover();
   const auto item = TItemUpdate::ItemByCode(u"p", TTypeUninstallLocation::ulVistaUpdate);

@@ -5,36 +5,31 @@
 #include <thread>
 
 #include "common/Session.h"
-#include "platform/MessageBoxes.h"
 
 namespace varcolin::testing {
 namespace {
 
 using TLines = std::vector<std::string>;
 
-constexpr std::u16string_view Uninstall =
-    u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\";
+constexpr std::string_view Detected = "Detect changes in location \"ulRegistryUninstall\".";
 
-std::u16string Key(std::u16string_view AName) { return std::u16string(Uninstall).append(AName); }
-
-void AddTool(TSession& ASession, std::u16string_view AName) {
-  ASession.Machine().Registry().SetTextAt(Key(AName), u"DisplayName", AName);
+std::u16string Key(std::u16string_view AName) {
+  return std::u16string(u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\").append(AName);
 }
 
 TEST(WatchTest, EntriesAppearAndVanishWithoutARefresh) {
   TSession session;
-  AddTool(session, u"Old");
+  session.AddProgram("Old");
   session.Discover();
-  AddTool(session, u"New");
+  session.Machine().Registry().SetTextAt(Key(u"New"), u"DisplayName", u"New");
   session.LetChangesBeSeen();
   EXPECT_EQ(session.ProgramTitles(), (TLines{"Old", "New"}));
   session.Machine().Registry().RemoveTree(Key(u"Old"));
   session.LetChangesBeSeen();
   EXPECT_EQ(session.ProgramTitles(), TLines{"New"});
   EXPECT_EQ(session.Manager().GetState(), TVRCState::vrcsLoaded);
-  const TLines log = session.LogLines();
-  EXPECT_EQ(std::count(log.begin(), log.end(), "Detect changes in location \"ulRegistryUninstall\"."), 2);
-  EXPECT_EQ(std::count(log.begin(), log.end(), "Delete Program: Old ()"), 1);
+  EXPECT_EQ(session.LogCount(Detected), 2);
+  EXPECT_EQ(session.LogCount("Delete Program: Old ()"), 1);
 }
 
 TEST(WatchTest, EveryWatchedPlaceIsSeenInBothViews) {
@@ -53,14 +48,13 @@ TEST(WatchTest, EveryWatchedPlaceIsSeenInBothViews) {
   for (const std::u16string_view place : places) {
     session.Machine().Registry().SetTextAt(std::u16string(place) + u"\\Deep\\Deeper", u"Value", u"x");
     session.LetChangesBeSeen();
-    const TLines log = session.LogLines();
-    EXPECT_EQ(std::count(log.begin(), log.end(), "Detect changes in location \"ulRegistryUninstall\"."), ++seen);
+    EXPECT_EQ(session.LogCount(Detected), ++seen);
   }
 }
 
 TEST(WatchTest, RefreshStartsAgainAndStopEndsEverything) {
   TSession session;
-  AddTool(session, u"Tool");
+  session.AddProgram("Tool");
   session.Discover();
   session.Discover();
   EXPECT_EQ(session.ProgramTitles(), TLines{"Tool"});
@@ -74,9 +68,7 @@ TEST(WatchTest, RefreshStartsAgainAndStopEndsEverything) {
 
 TEST(WatchTest, HostsReadWhileDiscoveryWorks) {
   TSession session;
-  for (int index = 0; index < 200; ++index)
-    AddTool(session,
-            u"Tool" + std::u16string(1, char16_t(u'A' + index % 26)) + std::u16string(1, char16_t(u'0' + index / 26)));
+  for (int index = 0; index < 200; ++index) session.AddProgram("Tool " + std::to_string(index));
   IVarcolin& manager = session.Load();
   std::atomic<bool> done{false};
   std::vector<std::thread> hosts;
@@ -89,11 +81,7 @@ TEST(WatchTest, HostsReadWhileDiscoveryWorks) {
             item->GetProperty(number, value.Receive());
           }
           static_cast<void>(item->GetIconIndex() + item->GetPossibleActions() + (item->IsChanged() ? 1 : 0));
-          if (host == 2) {
-            TPossibleActions action = TPossibleActions::paRemoveFromRegistry;
-            TNativeUInt window = 0;
-            static_cast<void>(item->RunAction(&action, &window));
-          }
+          if (host == 2) TSession::Start(*item, TPossibleActions::paRemoveFromRegistry);
         }
         static_cast<void>(manager.GetState());
       }
@@ -110,28 +98,6 @@ TEST(WatchTest, HostsReadWhileDiscoveryWorks) {
   for (std::thread& host : hosts) host.join();
   session.Discover();
   EXPECT_EQ(session.Programs().size(), 200U);
-}
-
-TEST(SuiteTest, AMissingSiblingEndsTheProcessWithItsName) {
-  struct TRow {
-    std::u16string_view Library;
-    std::u16string_view Label;
-  };
-  for (const TRow& row :
-       {TRow{u"helper.dll", u"helper.dll::Globals"}, TRow{u"Localizer.dll", u"Localizer.dll::Localizer"}}) {
-    TSession session;
-    session.Machine().Modules().RegisterModule(row.Library,
-                                               [](const char16_t*, std::uint32_t) -> void* { return nullptr; });
-    EXPECT_THROW(session.Load(), TSimulatedProcessEnd) << ToUtf8(row.Library);
-    const auto boxes = session.Machine().Messages().Shown();
-    ASSERT_EQ(boxes.size(), 1U);
-    EXPECT_EQ(boxes[0].Caption, u"Error");
-    EXPECT_EQ(boxes[0].Text,
-              u"An error occurred while loading library " + std::u16string(row.Label) +
-                  u". \r\n\r\nIt may have been removed. Please reinstall the application. If the problem persists, "
-                  u"contact technical support.");
-    EXPECT_EQ(boxes[0].Style, MessageStyle::IconError);
-  }
 }
 
 }  // namespace

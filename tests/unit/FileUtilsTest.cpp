@@ -7,13 +7,6 @@ namespace {
 
 using testing::TServices;
 
-TSimulatedFacts Facts32() {
-  TSimulatedFacts facts;
-  facts.NativeArchitecture = Architecture::Intel;
-  facts.IsWow64 = false;
-  return facts;
-}
-
 class FileNames : public TServices {
  protected:
   using TServices::TServices;
@@ -29,7 +22,7 @@ class FileNames : public TServices {
 
 class FileNames32 : public FileNames {
  protected:
-  FileNames32() : FileNames(Facts32()) {}
+  FileNames32() : FileNames(testing::FactsOf32BitWindows()) {}
 };
 
 TEST_F(FileNames, FixedFoldersUnderWow64) {

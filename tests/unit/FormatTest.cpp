@@ -173,12 +173,5 @@ TEST(Guid, IsDecodedFromEveryRegistryForm) {
   for (const auto& [text, decoded] : rows) EXPECT_EQ(DLLGlobals::TryDecodeGUIDFromStr(text), decoded);
 }
 
-TEST(ReleaseType, IsFoundByName) {
-  EXPECT_EQ(DLLGlobals::DecodeReleaseType(u"HOTFIX"), TReleaseType::rtHotfix);
-  EXPECT_EQ(DLLGlobals::DecodeReleaseType(u"Software update"), TReleaseType::rtSoftwareUpdate);
-  EXPECT_EQ(DLLGlobals::DecodeReleaseType(u"none"), TReleaseType::rtNone);
-  EXPECT_EQ(DLLGlobals::DecodeReleaseType(u"Update "), TReleaseType::rtNone);
-}
-
 }  // namespace
 }  // namespace varcolin

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/decorators/ForwardingRegistry.h"
 #include "platform/simulated/SimulatedClock.h"
 #include "platform/simulated/SimulatedRegistry.h"
 #include "platform/simulated/SimulatedSync.h"
@@ -179,50 +180,41 @@ TEST_F(RegistryReader, SnapshotAnswersByType) {
   EXPECT_EQ(TKeySnapshot::ReadAt(Registry, Machine, u"Software\\absent", KeyAccess::Read), nullptr);
 }
 
-/// One key of a registry that lies and fails.
-class THostileRegistry final : public IRegistry {
+/// A registry that lies and fails.
+class THostileRegistry final : public TForwardingRegistry {
  public:
-  std::vector<TRegistryValue> Values;
+  using TForwardingRegistry::TForwardingRegistry;
+
   std::vector<std::uint32_t> Broken;  ///< indices of values that cannot be read
   TRegistryKeyInfo Info;
   TWinError InfoError = WinError::Success;
   int Calls = 0;
 
-  TWinError OpenKey(TRegistryBase, std::u16string_view, std::uint32_t, TRegistryKey& AKey) override {
-    AKey = TRegistryKey(*this, 1);
-    return WinError::Success;
-  }
   TWinError QueryKeyInfo(const TRegistryKey&, TRegistryKeyInfo& AInfo) override {
     ++Calls;
     if (InfoError == WinError::Success) AInfo = Info;
     return InfoError;
   }
-  TWinError EnumKey(const TRegistryKey&, std::uint32_t, std::u16string&) override { return WinError::NoMoreItems; }
-  TWinError EnumValue(const TRegistryKey&, std::uint32_t AIndex, TRegistryValue& AValue) override {
+  TWinError EnumValue(const TRegistryKey& AKey, std::uint32_t AIndex, TRegistryValue& AValue) override {
     ++Calls;
     if (std::ranges::find(Broken, AIndex) != Broken.end()) return WinError::AccessDenied;
-    if (AIndex >= Values.size()) return WinError::NoMoreItems;
-    AValue = Values[AIndex];
-    return WinError::Success;
+    return TForwardingRegistry::EnumValue(AKey, AIndex, AValue);
   }
-  TWinError QueryValue(const TRegistryKey&, std::u16string_view, TRegistryValue&) override {
-    return WinError::FileNotFound;
-  }
-  TWinError NotifyChange(const TRegistryKey&, bool, std::uint32_t, const TEvent&) override {
-    return WinError::NotSupported;
-  }
-  void CloseValue(TRegistryKeyTag, std::uintptr_t) noexcept override {}
 };
 
-TEST(KeySnapshot, ReadsAroundWhatCannotBeRead) {
-  THostileRegistry registry;
-  for (const char16_t* name : {u"a", u"b", u"c"}) registry.Values.push_back({name, RegType::String, Bytes(name)});
-  const auto read = [&registry] {
+TEST_F(RegistryReader, SnapshotsReadAroundWhatCannotBeRead) {
+  THostileRegistry registry(Registry);
+  for (const char16_t* name : {u"a", u"b", u"c"}) Set(name, RegType::String, Bytes(name));
+  const auto snapshot = [&] {
+    return TKeySnapshot::ReadAt(registry, Machine, u"Software\\A", KeyAccess::Read | KeyAccess::Wow64_64Key);
+  };
+  const auto read = [&] {
     registry.Calls = 0;
-    const auto key = TKeySnapshot::ReadAt(registry, Machine, u"x", KeyAccess::Read);
+    const auto key = snapshot();
     std::u16string found;
-    for (const char16_t* name : {u"a", u"b", u"c"})
+    for (const char16_t* name : {u"a", u"b", u"c"}) {
       found += key->Text(name, TKeySnapshot::EStrings::Plain).value_or(u"");
+    }
     return found;
   };
   registry.Info.SubKeyCount = 1;
@@ -233,14 +225,14 @@ TEST(KeySnapshot, ReadsAroundWhatCannotBeRead) {
   EXPECT_EQ(read(), u"ac");
   registry.Broken = {0, 1, 2};
   EXPECT_EQ(read(), u"");
-  EXPECT_TRUE(TKeySnapshot::ReadAt(registry, Machine, u"x", KeyAccess::Read)->HasValues());
+  EXPECT_TRUE(snapshot()->HasValues());
   registry.Broken.clear();
   registry.Info.ValueCount = 0xFFFFFFFF;  // the values vanished meanwhile, all but three
   EXPECT_EQ(read(), u"abc");
 
   registry.InfoError = WinError::AccessDenied;
   EXPECT_EQ(read(), u"abc");
-  const auto key = TKeySnapshot::ReadAt(registry, Machine, u"x", KeyAccess::Read);
+  const auto key = snapshot();
   EXPECT_TRUE(key->MayHaveSubKeys());
   EXPECT_EQ(key->LastWriteTime(), std::nullopt);
   registry.Broken = {2};

@@ -18,6 +18,7 @@ using testing::TServices;
 constexpr const char16_t* UninstallKey = u"HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
 constexpr const char16_t* UninstallKey32 =
     u"HKEY_LOCAL_MACHINE\\Software\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
+constexpr const char16_t* UserKey = u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
 const std::string Separator(80, '-');
 
 class Log : public TServices {
@@ -60,13 +61,8 @@ class Log : public TServices {
 class LogOn32BitXP : public Log {
  protected:
   static TSimulatedFacts Facts() {
-    TSimulatedFacts facts;
-    facts.Version.Major = 5;
-    facts.Version.Minor = 1;
-    facts.Version.Build = 2600;
+    TSimulatedFacts facts = testing::FactsOfXP();
     facts.Version.ServicePackMajor = 3;
-    facts.NativeArchitecture = Architecture::Intel;
-    facts.IsWow64 = false;
     facts.UserIsAdmin = false;
     facts.TimeZoneMinutes = 120;
     facts.LocaleName = u"fi-FI";
@@ -93,6 +89,7 @@ TEST_F(Log, IsWrittenAsAWhole) {
 
 TEST_F(LogOn32BitXP, HeaderDescribesTheSystem) {
   Machine.Registry().SetTextAt(UninstallKey, u"", u"default");
+  Machine.Registry().AddKey(UserKey);
   Path = u"C:\\Documents and Settings\\User\\Application Data\\Zentrova\\Velmoran\\Logs\\Varcolin.log";
   Load();
   StatisticsLog::Add(u"forgotten");
@@ -111,7 +108,7 @@ TEST_F(LogOn32BitXP, HeaderDescribesTheSystem) {
   EXPECT_EQ(std::count(all.begin(), all.end(), Separator), 5);
   const std::vector<std::string> dump{
       "(x32)HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\", " (REG_SZ) = \"default\"",
-      ""};
+      "", "(x32)" + ToUtf8(UserKey) + "\\", ""};
   EXPECT_EQ(Dump(), dump) << "once, without a second view";
 }
 
@@ -132,6 +129,7 @@ TEST_F(Log, DumpShowsEveryKindOfValueInBothViews) {
   registry.AddKey(std::u16string(UninstallKey) + u"\\Denied\\Hidden");
   registry.DenyAccess(std::u16string(UninstallKey) + u"\\Denied");
   registry.AddKey(UninstallKey32);
+  registry.AddKey(UserKey);
   Load();
   StatisticsLog::Reset();
   const std::string key64 = "(x64)HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\";
@@ -151,6 +149,10 @@ TEST_F(Log, DumpShowsEveryKindOfValueInBothViews) {
                                           "",
                                           key64 + "Sub\\Below\\",
                                           "v (REG_SZ) = \"1\"",
+                                          "",
+                                          "(x32)" + ToUtf8(UserKey) + "\\",
+                                          "",
+                                          "(x64)" + ToUtf8(UserKey) + "\\",
                                           ""};
   EXPECT_EQ(Dump(), expected);
 }

@@ -3,13 +3,13 @@
 
 #include "common/PeBuilder.h"
 #include "common/Services.h"
+#include "support/uInterfacedObject.h"
 #include "support/uText.h"
 
 namespace varcolin {
 namespace {
 
 using testing::TServices;
-using testing::TTestStringList;
 
 constexpr const char16_t* HostFolder = u"C:\\Program Files (x86)\\Velmoran\\";
 constexpr const char16_t* DebugKey = u"HKEY_CURRENT_USER\\Software\\Zentrova\\DebugMode";
@@ -24,6 +24,19 @@ void* VARCOLIN_CALL CountRequests(const char16_t* AText, std::uint32_t) {
   AskedText = AText;
   return nullptr;
 }
+
+/// A host's list of strings.
+class TTestStringList final : public TInterfacedObject<IStringList> {
+ public:
+  explicit TTestStringList(std::vector<std::u16string> AItems) : FItems(std::move(AItems)) {}
+  std::int32_t VARCOLIN_CALL GetCount() override { return static_cast<std::int32_t>(FItems.size()); }
+  void VARCOLIN_CALL GetItem(std::int32_t AIndex, TOleString* AResult) override {
+    *AResult = AllocOleString(FItems.at(static_cast<std::size_t>(AIndex)));
+  }
+
+ private:
+  std::vector<std::u16string> FItems;
+};
 
 class SuiteServices : public TServices {
  protected:
@@ -76,9 +89,14 @@ TEST_F(SuiteServices, AMissingSiblingEndsTheProcess) {
   EXPECT_EQ(Machine.Messages().Shown(), expected);
   EXPECT_TRUE(DLLGlobals::BrismereService()) << "the others stay usable";
 
-  Unload();
-  Machine.Modules().RegisterModule(u"helper.dll", RefuseEverything);
-  EXPECT_THROW(Load(), TSimulatedProcessEnd);
+  // the helper is asked first
+  for (const auto& [library, label] : {std::pair(u"Localizer.dll", u"Localizer.dll::Localizer. "),
+                                       std::pair(u"helper.dll", u"helper.dll::Globals. ")}) {
+    Unload();
+    Machine.Modules().RegisterModule(library, RefuseEverything);
+    EXPECT_THROW(Load(), TSimulatedProcessEnd);
+    EXPECT_NE(Machine.Messages().Shown().back().Text.find(label), std::u16string::npos) << ToUtf8(label);
+  }
 }
 
 TEST_F(SuiteServices, AreFilledOnceByManyThreads) {

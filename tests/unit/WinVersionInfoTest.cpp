@@ -4,9 +4,9 @@
 #include <map>
 #include <set>
 
-#include "platform/Modules.h"
-#include "platform/Shell.h"
-#include "platform/SystemFacts.h"
+#include "contract/MachineUnderTest.h"
+#include "platform/decorators/ForwardingModules.h"
+#include "platform/decorators/ForwardingSystem.h"
 #include "support/uAxWinVersionInfo.h"
 
 namespace varcolin {
@@ -24,9 +24,14 @@ TVersionFacts Version(std::uint32_t AMajor, std::uint32_t AMinor, std::uint16_t 
   return facts;
 }
 
-/// A system that tells just what a test wants, also what no simulated machine would.
-class TFakeSystem final : public ISystemFacts, public IShell, public IModules {
+/// A system that tells just what a test wants, also what no machine would.
+class TFakeSystem final : public TForwardingSystemFacts, public TForwardingShell, public TForwardingModules {
  public:
+  TFakeSystem()
+      : TForwardingSystemFacts(testing::MachineUnderTest().System),
+        TForwardingShell(testing::MachineUnderTest().Shell),
+        TForwardingModules(testing::MachineUnderTest().Modules) {}
+
   TVersionFacts Facts = Version(6, 1);
   TWinError VersionError = WinError::Success;
   int VersionCalls = 0;
@@ -60,48 +65,19 @@ class TFakeSystem final : public ISystemFacts, public IShell, public IModules {
     return Wow64Error;
   }
   std::int32_t SystemMetric(std::int32_t AIndex) override { return Metrics[AIndex]; }
-  TWinError GetLocaleText(std::uint32_t, std::uint32_t, std::u16string&) override { return Unsupported; }
-  TWinError GetLocaleTextByName(std::u16string_view, std::uint32_t, std::u16string&) override { return Unsupported; }
-  TWinError AnsiToText(std::span<const std::byte>, std::u16string&) override { return Unsupported; }
-  TWinError GetVariable(std::u16string_view, std::u16string&) override { return Unsupported; }
-  TWinError ExpandVariables(std::u16string_view, std::u16string&) override { return Unsupported; }
-  TWinError GetWindowsFolder(std::u16string&) override { return Unsupported; }
-  TWinError GetSystemFolder(std::u16string&) override { return Unsupported; }
-  TFileTime UniversalTime() override { return {}; }
-  TWinError ToLocalTime(TFileTime, TFileTime&) override { return Unsupported; }
   std::u16string ErrorText(TWinError) override { return u"It failed."; }
-
-  TWinError GetSpecialFolder(std::int32_t, std::u16string&) override { return Unsupported; }
   TWinError QueryIsOS(std::uint32_t AKind, bool& AAnswer) override {
     AAnswer = Kinds.contains(AKind);
     return WinError::Success;
-  }
-  TWinError GetDesktopFolder(TShellFolder&) override { return Unsupported; }
-  TWinError GetDisplayName(const TShellFolder&, std::span<const std::byte>, std::uint32_t, std::u16string&) override {
-    return Unsupported;
-  }
-  void CloseValue(TShellFolderTag, std::uintptr_t) noexcept override {}
-
-  TWinError LoadModule(std::u16string_view, TModule&) override { return Unsupported; }
-  TWinError FindExport(const TModule&, std::string_view, TProcedure&) override { return Unsupported; }
-  TWinError LoadAsResource(std::u16string_view, TModule&) override { return Unsupported; }
-  TWinError LoadStringResource(const TModule&, std::uint32_t, std::uint32_t, std::u16string&) override {
-    return Unsupported;
   }
   TWinError QueryDllVersion(std::u16string_view AName, TDllVersion& AVersion) override {
     if (AName != u"shlwapi.dll") return WinError::ModuleNotFound;
     AVersion = {ShlwapiMajor, 1, 2, 2};
     return WinError::Success;
   }
-  TWinError GetHostPath(std::u16string&) override { return Unsupported; }
-  TWinError GetOwnPath(std::u16string&) override { return Unsupported; }
-  void CloseValue(TModuleTag, std::uintptr_t) noexcept override {}
-
- private:
-  static constexpr TWinError Unsupported = WinError::NotSupported;
 };
 
-class WinVersion : public testing::Test {
+class WinVersion : public ::testing::Test {
  protected:
   ~WinVersion() override { WinVersionInfo::Unload(); }
   void Load() { WinVersionInfo::Load(System, System, System); }
