@@ -28,13 +28,28 @@ using testing::TArguments;
 using testing::TOutcome;
 using testing::TTemporaryFolder;
 
-nlohmann::json ListOf(const std::string& AKind, TArguments AMore = {}) {
-  TArguments arguments{AKind, "--json", "--machine", SAMPLE_MACHINE};
-  arguments.insert(arguments.end(), AMore.begin(), AMore.end());
-  const TOutcome outcome = RunHost(arguments);
-  EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
+/// What the host prints when all is well.
+std::string OutputOf(const TArguments& AArguments) {
+  const TOutcome outcome = RunHost(AArguments);
+  EXPECT_EQ(outcome.ExitCode, 0);
   EXPECT_EQ(outcome.Error, "");
-  return nlohmann::json::parse(outcome.Output).at(AKind);
+  return outcome.Output;
+}
+
+/// The same about the sample machine.
+std::string SampleOutputOf(TArguments AArguments) {
+  AArguments.insert(AArguments.end(), {"--machine", SAMPLE_MACHINE});
+  return OutputOf(AArguments);
+}
+
+nlohmann::json ListOf(const std::string& AKind, const TArguments& AMore = {}) {
+  TArguments arguments{AKind, "--json"};
+  arguments.insert(arguments.end(), AMore.begin(), AMore.end());
+  return nlohmann::json::parse(SampleOutputOf(arguments)).at(AKind);
+}
+
+void ExpectTexts(const std::string& AOutput, std::initializer_list<const char*> ATexts) {
+  for (const char* text : ATexts) EXPECT_NE(AOutput.find(text), std::string::npos) << text << " is not in " << AOutput;
 }
 
 nlohmann::json ListPrograms(TArguments AMore = {}) { return ListOf("programs", std::move(AMore)); }
@@ -127,13 +142,10 @@ TEST(Host, ListsTheUpdatesOfTheSampleMachine) {
   const TOutcome none = RunHost({"updates", "--machine", SAMPLE_MACHINE, "--filter", "no such update"});
   EXPECT_EQ(none.Error, "varcolin: no update matches \"no such update\"\n");
 
-  const TOutcome shown = RunHost({"show", "--machine", SAMPLE_MACHINE, "package_for_kb2998801"});
-  EXPECT_EQ(shown.ExitCode, 0) << shown.Error;
-  for (const char* text : {"Security Update for Microsoft Windows (KB2998801)", "Security update", "Windows 7"}) {
-    EXPECT_NE(shown.Output.find(text), std::string::npos) << shown.Output;
-  }
-  const TOutcome asJson = RunHost({"show", "--json", "--machine", SAMPLE_MACHINE, "font cache"});
-  EXPECT_EQ(nlohmann::json::parse(asJson.Output).at("updates").at(0).at("releaseType"), "updateRollup");
+  ExpectTexts(SampleOutputOf({"show", "package_for_kb2998801"}),
+              {"Security Update for Microsoft Windows (KB2998801)", "Security update", "Windows 7"});
+  const auto shown = nlohmann::json::parse(SampleOutputOf({"show", "--json", "font cache"}));
+  EXPECT_EQ(shown.at("updates").at(0).at("releaseType"), "updateRollup");
 }
 
 TEST(Host, UsesTheBuiltInSampleAndSaysSo) {
@@ -225,20 +237,16 @@ TEST(Host, RunsTheCommandsOfPrograms) {
 }
 
 TEST(Host, ShowsOneProgram) {
-  const TOutcome shown = RunHost({"show", "--machine", SAMPLE_MACHINE, "tarnhelm"});
-  EXPECT_EQ(shown.ExitCode, 0) << shown.Error;
-  for (const char* text : {"Tarnhelm Image Studio 4.2", "2012-06-12", "178.1 MB", "uninstallQuiet"}) {
-    EXPECT_NE(shown.Output.find(text), std::string::npos) << text;
-  }
-  const TOutcome byGuid =
-      RunHost({"show", "--json", "--machine", SAMPLE_MACHINE, "{4c7a1f93-e8b2-4d06-9a35-1bd0f6c2e874}"});
-  EXPECT_EQ(nlohmann::json::parse(byGuid.Output).at("programs").at(0).at("displayName"), "Larkspur Office Suite 2012");
+  ExpectTexts(SampleOutputOf({"show", "tarnhelm"}),
+              {"Tarnhelm Image Studio 4.2", "2012-06-12", "178.1 MB", "uninstallQuiet"});
+  const auto byGuid =
+      nlohmann::json::parse(SampleOutputOf({"show", "--json", "{4c7a1f93-e8b2-4d06-9a35-1bd0f6c2e874}"}));
+  EXPECT_EQ(byGuid.at("programs").at(0).at("displayName"), "Larkspur Office Suite 2012");
 
   const TOutcome ambiguous = RunHost({"show", "--machine", SAMPLE_MACHINE, "kestrel"});
   EXPECT_EQ(ambiguous.ExitCode, 1);
   EXPECT_EQ(ambiguous.Output, "");
-  EXPECT_NE(ambiguous.Error.find("Kestrel Archiver 2.5"), std::string::npos);
-  EXPECT_NE(ambiguous.Error.find("Kestrel Archiver 2.6 (x64)"), std::string::npos);
+  ExpectTexts(ambiguous.Error, {"Kestrel Archiver 2.5", "Kestrel Archiver 2.6 (x64)"});
   const TOutcome missing = RunHost({"show", "--machine", SAMPLE_MACHINE, "\x1B[31mnothing"});
   EXPECT_EQ(missing.ExitCode, 1);
   ExpectSafe(missing.Error);
@@ -269,26 +277,19 @@ TEST(Host, TellsWhatIsWrongWithAnImage) {
 
 TEST(Host, ListsAnEmptyMachine) {
   const TTemporaryFolder image;
-  const TOutcome outcome = RunHost({"programs", "--json", "--machine", image.Name()});
-  EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
-  EXPECT_EQ(outcome.Output, "{\"programs\":[]}\n");
+  EXPECT_EQ(OutputOf({"programs", "--json", "--machine", image.Name()}), "{\"programs\":[]}\n");
 }
 
 TEST(Host, ReportsItsVersionAndUsage) {
-  const TOutcome version = RunHost({"--version"});
-  EXPECT_EQ(version.ExitCode, 0);
-  EXPECT_EQ(version.Output.find("varcolin "), 0U);
-  const TOutcome help = RunHost({"programs", "--help"});
-  EXPECT_EQ(help.ExitCode, 0);
-  EXPECT_NE(help.Output.find("--sort"), std::string::npos);
+  EXPECT_TRUE(OutputOf({"--version"}).starts_with("varcolin "));
+  ExpectTexts(OutputOf({"programs", "--help"}), {"--sort"});
 }
 
 TEST(Host, PrintsTheLog) {
-  const TOutcome outcome = RunHost({"log", "--machine", SAMPLE_MACHINE});
-  EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
-  EXPECT_TRUE(outcome.Output.substr(0, outcome.Output.find('\n')).ends_with("\\Logs\\Varcolin.log")) << outcome.Output;
-  EXPECT_NE(outcome.Output.find("Add Program: Ember Browser ()\n"), std::string::npos);
-  ExpectSafe(outcome.Output);
+  const std::string output = SampleOutputOf({"log"});
+  EXPECT_TRUE(output.substr(0, output.find('\n')).ends_with("\\Logs\\Varcolin.log")) << output;
+  ExpectTexts(output, {"Add Program: Ember Browser ()\n"});
+  ExpectSafe(output);
 }
 
 std::string AsString(const testing::TBytes& ABytes) {
@@ -312,10 +313,7 @@ TEST(Host, ShowsWhatStandsInALinkFile) {
   folder.Put("n\u00E4me.LNK", AsString(builder.Build()));
   const std::string file = folder.Name() + "/n\u00E4me.LNK";
 
-  const TOutcome json = RunHost({"link", file, "--json"});
-  EXPECT_EQ(json.ExitCode, 0);
-  EXPECT_EQ(json.Error, "");
-  auto document = nlohmann::json::parse(json.Output);
+  auto document = nlohmann::json::parse(OutputOf({"link", file, "--json"}));
   const auto sections = document["sections"];
   document.erase("sections");
   EXPECT_EQ(document, nlohmann::json::parse(R"({"pathName": "C:\\Tools\\app.exe", "arguments": "/run",
@@ -330,13 +328,9 @@ TEST(Host, ShowsWhatStandsInALinkFile) {
   EXPECT_EQ(fields["stringData"]["arguments"], "/run");
   EXPECT_EQ(fields["propertyStoreProps"]["size"], 20);
 
-  const TOutcome text = RunHost({"link", file});
-  EXPECT_EQ(text.ExitCode, 0);
-  for (const char* line :
-       {"Target:         C:\\Tools\\app.exe\n", "\nHeader\n", "\nLink target ID list\n", "\nLink info\n",
-        "\nString data\n", "\nProperty store props\n", "  Drive serial number:      0x1234ABCD\n"}) {
-    EXPECT_NE(text.Output.find(line), std::string::npos) << line << text.Output;
-  }
+  ExpectTexts(OutputOf({"link", file}),
+              {"Target:         C:\\Tools\\app.exe\n", "\nHeader\n", "\nLink target ID list\n", "\nLink info\n",
+               "\nString data\n", "\nProperty store props\n", "  Drive serial number:      0x1234ABCD\n"});
 }
 
 TEST(Host, KeepsTheTerminalAndTheDocumentSafeFromLinks) {
@@ -347,15 +341,10 @@ TEST(Host, KeepsTheTerminalAndTheDocumentSafeFromLinks) {
                                    .Name(hostile)
                                    .TextBlock(0xA0000001, u"\u001B]0;x\u0007", hostile)
                                    .Build()));
-  for (const TArguments& arguments :
-       {TArguments{"link", folder.Name() + "/a.lnk"}, TArguments{"link", "--json", folder.Name() + "/a.lnk"}}) {
-    const TOutcome outcome = RunHost(arguments);
-    EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
-    ExpectSafe(outcome.Output);
-    if (arguments[1] == "--json") {
-      EXPECT_TRUE(nlohmann::json::parse(outcome.Output)["arguments"].get<std::string>().starts_with("\x1B[2J"));
-    }
-  }
+  ExpectSafe(OutputOf({"link", folder.Name() + "/a.lnk"}));
+  const std::string json = OutputOf({"link", "--json", folder.Name() + "/a.lnk"});
+  ExpectSafe(json);
+  EXPECT_TRUE(nlohmann::json::parse(json)["arguments"].get<std::string>().starts_with("\x1B[2J"));
 }
 
 TEST(Host, RefusesWhatIsNoLink) {
@@ -381,11 +370,9 @@ TEST(Host, RefusesWhatIsNoLink) {
 }
 
 TEST(Host, RefreshesTheShellsCacheToItsEnd) {
-  const TOutcome outcome = RunHost({"refresh-cache", "--machine", SAMPLE_MACHINE});
-  EXPECT_EQ(outcome.ExitCode, 0) << outcome.Error;
-  EXPECT_NE(outcome.Output.find("Begin update system ARP Cache.\n"), std::string::npos) << outcome.Output;
-  EXPECT_TRUE(outcome.Output.ends_with("End update system ARP Cache.\n")) << outcome.Output;
-  EXPECT_EQ(outcome.Error, "");
+  const std::string output = SampleOutputOf({"refresh-cache"});
+  ExpectTexts(output, {"Begin update system ARP Cache.\n"});
+  EXPECT_TRUE(output.ends_with("End update system ARP Cache.\n")) << output;
 }
 
 TEST(Host, EndsQuietlyOrLoudlyWhenOutputFails) {

@@ -33,6 +33,13 @@ std::vector<std::string> Names(const std::vector<TProductRecord>& APrograms) {
   return names;
 }
 
+/// The names of an object's members, a blank behind each.
+std::string KeysOf(const nlohmann::ordered_json& AObject) {
+  std::string keys;
+  for (const auto& item : AObject.items()) keys += item.key() + ' ';
+  return keys;
+}
+
 TEST(HostText, ConvertsBetweenTheEncodings) {
   EXPECT_EQ(ToUtf8(u"a\u00E4\u20AC\U0001F3A8"), "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x8E\xA8");
   const char16_t lone[] = {u'x', 0xD83D, u'y', 0xDC00, 0xD800};
@@ -158,15 +165,10 @@ TEST(HostJson, IsOneDocumentWhateverTheNames) {
   const auto document = nlohmann::ordered_json::parse(text);
   ASSERT_EQ(document.at("programs").size(), 2U);
   const auto& first = document["programs"][0];
-  std::vector<std::string> names;
-  for (const auto& item : first.items()) names.push_back(item.key());
-  EXPECT_EQ(
-      names,
-      (std::vector<std::string>{
-          "displayName",    "version",      "publisher",     "installLocation", "installSource",     "installDate",
-          "contact",        "comments",     "readMeLink",    "helpLink",        "supportLink",       "supportTelephone",
-          "updateInfoLink", "language",     "estimatedSize", "registeredOwner", "registeredCompany", "guid",
-          "productId",      "lastUsedDate", "usage",         "rating",          "actions",           "iconIndex"}));
+  EXPECT_EQ(KeysOf(first),
+            "displayName version publisher installLocation installSource installDate contact comments readMeLink "
+            "helpLink supportLink supportTelephone updateInfoLink language estimatedSize registeredOwner "
+            "registeredCompany guid productId lastUsedDate usage rating actions iconIndex ");
   EXPECT_EQ(first["displayName"], record.DisplayName);
   EXPECT_EQ(first["estimatedSize"], -2048);
   EXPECT_EQ(first["installDate"], "2012-08-09T12:00:00.000");
@@ -182,13 +184,10 @@ TEST(HostJson, UpdatesHaveTheirOwnNames) {
   record.Kind = EProductKind::Update;
   record.ReleaseType = TReleaseType::rtServicePack;
   const auto document = nlohmann::ordered_json::parse(FormatJson(EProductKind::Update, std::vector{record}));
-  std::vector<std::string> names;
-  for (const auto& item : document.at("updates").at(0).items()) names.push_back(item.key());
-  EXPECT_EQ(names, (std::vector<std::string>{"displayName",    "version",           "publisher",     "installLocation",
-                                             "installSource",  "installDate",       "contact",       "comments",
-                                             "readMeLink",     "helpLink",          "supportLink",   "supportTelephone",
-                                             "updateInfoLink", "language",          "estimatedSize", "updateId",
-                                             "releaseType",    "parentDisplayName", "actions",       "iconIndex"}));
+  EXPECT_EQ(KeysOf(document.at("updates").at(0)),
+            "displayName version publisher installLocation installSource installDate contact comments readMeLink "
+            "helpLink supportLink supportTelephone updateInfoLink language estimatedSize updateId releaseType "
+            "parentDisplayName actions iconIndex ");
   std::string types;
   for (int type = 0; type < 8; ++type) types.append(ReleaseTypeName(static_cast<TReleaseType>(type))).append("|");
   EXPECT_EQ(types, "none|softwareUpdate|update|updateRollup|servicePack|criticalUpdate|securityUpdate|hotfix|");

@@ -126,6 +126,8 @@ TEST(RegistryTextTest, LastWriteTimes) {
 }
 
 TEST(RegistryTextTest, MalformedLinesAreNamed) {
+  std::string deep;
+  for (int i = 0; i < 600; ++i) deep += "\\k";
   const struct {
     std::string Body;  // from line 3 on
     std::size_t Line;
@@ -137,14 +139,7 @@ TEST(RegistryTextTest, MalformedLinesAreNamed) {
       {"[\\HKEY_CURRENT_USER]", 3},
       {"[-HKEY_LOCAL_MACHINE]", 3},
       {"[HKEY_CURRENT_USER\\" + std::string(256, 'k') + "]", 3},
-      {"\n\n[HKEY_CURRENT_USER" +
-           [] {
-             std::string path;
-             for (int i = 0; i < 600; ++i) path += "\\k";
-             return path;
-           }() +
-           "]",
-       5},
+      {"\n\n[HKEY_CURRENT_USER" + deep + "]", 5},
       {"\"v\"=dword:1", 3},
       {"[-HKEY_CURRENT_USER\\K]\n\"v\"=dword:1", 4},
       {"[HKCU\\K]\n; last-write: 2012-02-30T00:00:00", 4},

@@ -294,16 +294,13 @@ TEST(CollectionTest, ServesWhatTheHostAsksFor) {
 TEST(ManagerTest, AnswersToItsGuidAlone) {
   TSession session;
   IVarcolin& manager = session.Load();
-  struct TEntry {
-    const char16_t* Text;
-    bool IsManager;
-  };
-  for (const TEntry& entry :
-       {TEntry{u"{D1465CA9-77C6-49DF-929C-4E4D64730201}", true},
-        TEntry{u"{d1465ca9-77c6-49df-929c-4e4d64730201}", true}, TEntry{u"D1465CA9-77C6-49DF-929C-4E4D64730201", false},
-        TEntry{u"{D1465CA9-77C6-49DF-929C-4E4D64730203}", false}, TEntry{u"", false}, TEntry{nullptr, false},
-        TEntry{u"{D1465CA9-77C6-49DF-929C-4E4D64730201} ", false}}) {
-    EXPECT_EQ(TVarcolin::Instance(entry.Text), entry.IsManager ? &manager : nullptr);
+  for (const char16_t* text : {u"{D1465CA9-77C6-49DF-929C-4E4D64730201}", u"{d1465ca9-77c6-49df-929c-4e4d64730201}"}) {
+    EXPECT_EQ(TVarcolin::Instance(text), &manager);
+  }
+  for (const char16_t* text : std::initializer_list<const char16_t*>{
+           u"D1465CA9-77C6-49DF-929C-4E4D64730201", u"{D1465CA9-77C6-49DF-929C-4E4D64730203}", u"", nullptr,
+           u"{D1465CA9-77C6-49DF-929C-4E4D64730201} "}) {
+    EXPECT_EQ(TVarcolin::Instance(text), nullptr);
   }
   int words[2] = {};
   const TEventHandler set{&words[0], &words[1]};

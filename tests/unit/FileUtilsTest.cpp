@@ -25,20 +25,12 @@ class FileNames32 : public FileNames {
   FileNames32() : FileNames(testing::FactsOf32BitWindows()) {}
 };
 
-TEST_F(FileNames, FixedFoldersUnderWow64) {
-  Load();
-  EXPECT_EQ(FileUtils::WinSystemX16(), u"C:\\Windows\\system\\");
-  EXPECT_EQ(FileUtils::WinSystemX64(), u"C:\\Windows\\Sysnative\\");
-  EXPECT_EQ(FileUtils::ProgramFilesX32(), u"C:\\Program Files (x86)\\");
-  EXPECT_EQ(FileUtils::ProgramFilesX64(), u"C:\\Program Files\\");
-}
-
-TEST_F(FileNames32, FixedFoldersWithoutWow64) {
+TEST_F(FileNames32, ThereIsOneView) {
+  AddFile(u"C:\\Program Files\\A\\a.exe");
   Load();
   EXPECT_EQ(FileUtils::WinSystemX64(), FileUtils::WinSystemX32());
   EXPECT_EQ(FileUtils::ProgramFilesX32(), u"C:\\Program Files\\");
   EXPECT_EQ(FileUtils::ProgramFilesX64(), u"C:\\Program Files\\");
-  AddFile(u"C:\\Program Files\\A\\a.exe");
   EXPECT_EQ(FileUtils::CheckFileX64(u"C:\\Program Files (x86)\\A\\a.exe"), u"C:\\Program Files (x86)\\A\\a.exe");
 }
 
@@ -82,6 +74,7 @@ TEST_F(FileNames, TheOtherViewIsTried) {
   EXPECT_EQ(FileUtils::CheckFileX64(rows[0].first), u"C:\\Windows\\Sysnative\\native.exe");
   EXPECT_EQ(FileUtils::CheckFolderX64(u"C:\\Program Files\\B"), u"C:\\Program Files (x86)\\B");
   EXPECT_EQ(FileUtils::CheckFileX64(u"C:\\Program Files\\B"), u"C:\\Program Files\\B") << "a folder is no file";
+  EXPECT_EQ(FileUtils::WinSystemX16(), u"C:\\Windows\\system\\");
   EXPECT_TRUE(FileUtils::FolderExists(u"C:\\Program Files\\A") && !FileUtils::FileExists(u"C:\\Program Files\\A"));
 }
 

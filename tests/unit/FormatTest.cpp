@@ -70,14 +70,9 @@ TEST(Exceptions, ShowClassAndMessage) {
     }
     return TErrorText{};
   };
-  TErrorText text = textOf([] { throw EOSError(5, u"Access is denied."); });
-  EXPECT_EQ(text.ClassText, u"EOSError");
-  EXPECT_EQ(text.Message, u"System Error.  Code: 5.\r\nAccess is denied.");
-  text = textOf([] { throw EAssertionFailed(u"uItemProduct", 524); });
-  EXPECT_EQ(text.Message, u"Assertion failure (uItemProduct, line 524)");
-  text = textOf([] { throw std::runtime_error("gr\xC3\xBC\xC3\x9F"); });
-  EXPECT_EQ(text.ClassText, u"std::exception");
-  EXPECT_EQ(text.Message, u"gr\u00FC\u00DF");
+  EXPECT_EQ(textOf([] { throw EAssertionFailed(u"uItemProduct", 524); }).Message,
+            u"Assertion failure (uItemProduct, line 524)");
+  EXPECT_EQ(textOf([] { throw std::runtime_error("gr\xC3\xBC\xC3\x9F"); }).Message, u"gr\u00FC\u00DF");
   EXPECT_EQ(textOf([] { throw 1; }).ClassText, u"unknown exception");
   EXPECT_TRUE(CurrentErrorText().ClassText.empty());
   EXPECT_STREQ(EOSError(5, u"\u00FC").what(), "System Error.  Code: 5.\r\n\xC3\xBC");
