@@ -193,6 +193,17 @@ TEST_F(SimulatedRegistryTest, RemovedTreesLeaveOpenKeysAndSharedKeysInOrder) {
   EXPECT_EQ(SubKeyCount(Open(ERegistryRoot::LocalMachine, u"Software\\Policies")), 1u) << "still shared";
 }
 
+TEST_F(SimulatedRegistryTest, ThirtyTwoBitWindowsHasOneView) {
+  TSimulatedRegistry registry(Clock, Sync, {false, false, u"S-1-5-21-1"});
+  registry.AddKey(u"HKLM\\Software\\A");
+  TRegistryKey key;
+  for (const std::uint32_t view : {0u, KeyAccess::Wow64_32Key, KeyAccess::Wow64_64Key}) {
+    EXPECT_EQ(registry.OpenKey(ERegistryRoot::LocalMachine, u"Software\\A", KeyAccess::Read | view, key),
+              WinError::Success);
+  }
+  EXPECT_FALSE(registry.HasKey(u"HKLM\\Software\\Wow6432Node"));
+}
+
 // Readers, writers and watchers at the same time; the thread sanitizer looks on.
 TEST_F(SimulatedRegistryTest, ThreadsShareTheRegistry) {
   std::atomic<bool> stop = false;
