@@ -149,16 +149,14 @@ void TLocationVistaUpdate::ReadLocation() {
 void TLocationVistaUpdate::ReadPackages() {
   TRegistryKey packages;
   if (!OpenPackages(*FRegistry, packages)) return;  // no package has a key, so none is installed
+  // all keys first and all files then: in turn, each would find the processor's caches full of the other's
+  std::vector<std::unique_ptr<TTemporaryInfo>> installed = FindInstalled(packages);
   TNameSet contained;
-  TFindHandle walk;
-  TFoundFile file;
   std::vector<std::byte> buffer;
-  const std::u16string pattern = PathOf(u"*");
-  for (TWinError error = FFiles->FindFirst(pattern, walk, file); error == WinError::Success;
-       error = FFiles->FindNext(walk, file)) {
+  for (std::unique_ptr<TTemporaryInfo>& info : installed) {
     CheckTerminated();
-    auto info = ReadPackage(packages, file.Name.substr(0, file.Name.rfind(u'.')), buffer);
-    if (!info) continue;
+    info->FManifest = ReadUpdate(info->FCode, buffer);
+    if (!info->FManifest) continue;
     for (std::u16string& name : info->FManifest->ContainedNames) contained.insert(std::move(name));
     info->FManifest->ContainedNames.clear();
     if (!info->FManifest->IdentityName->empty()) FUpdateList.push_back(std::move(info));
@@ -178,24 +176,38 @@ std::u16string TLocationVistaUpdate::PathOf(std::u16string_view ACode) const {
   return path.append(FPackagesFolder).append(ACode).append(Extension);
 }
 
-std::unique_ptr<TLocationVistaUpdate::TTemporaryInfo> TLocationVistaUpdate::ReadPackage(
-    const TRegistryKey& APackages, std::u16string ACode, std::vector<std::byte>& ABuffer) const {
-  auto info = std::make_unique<TTemporaryInfo>();
-  if (!IsPackageInstalled(APackages, ACode, info->FIsCanUninstall)) return nullptr;
-  info->FManifest = std::make_unique<TManifest>();
+std::vector<std::unique_ptr<TLocationVistaUpdate::TTemporaryInfo>> TLocationVistaUpdate::FindInstalled(
+    const TRegistryKey& APackages) const {
+  std::vector<std::unique_ptr<TTemporaryInfo>> installed;
+  TFindHandle walk;
+  TFoundFile file;
+  for (TWinError error = FFiles->FindFirst(PathOf(u"*"), walk, file); error == WinError::Success;
+       error = FFiles->FindNext(walk, file)) {
+    CheckTerminated();
+    std::u16string code = file.Name.substr(0, file.Name.rfind(u'.'));
+    bool canUninstall = false;
+    if (!IsPackageInstalled(APackages, code, canUninstall)) continue;
+    TTemporaryInfo& info = *installed.emplace_back(std::make_unique<TTemporaryInfo>());
+    info.FCode = std::move(code);
+    info.FIsCanUninstall = canUninstall;
+  }
+  return installed;
+}
+
+std::unique_ptr<TManifest> TLocationVistaUpdate::ReadUpdate(std::u16string_view ACode,
+                                                            std::vector<std::byte>& ABuffer) const {
+  auto manifest = std::make_unique<TManifest>();
   try {
     if (FFiles->ReadWhole(PathOf(ACode), LargestManifest, ABuffer) != WinError::Success ||
-        ReadManifest(*FXml, ABuffer, *info->FManifest) != WinError::Success) {
+        ReadManifest(*FXml, ABuffer, *manifest) != WinError::Success) {
       return nullptr;
     }
   } catch (const std::exception&) {
     return nullptr;  // whatever one manifest does must not hide the others
   }
-  const TManifest& manifest = *info->FManifest;
-  if (!manifest.IdentityName || !manifest.Identifier || !manifest.ReleaseTypeName) return nullptr;
-  if (DLLGlobals::DecodeReleaseType(*manifest.ReleaseTypeName) == TReleaseType::rtNone) return nullptr;
-  info->FCode = std::move(ACode);
-  return info;
+  if (!manifest->IdentityName || !manifest->Identifier || !manifest->ReleaseTypeName) return nullptr;
+  if (DLLGlobals::DecodeReleaseType(*manifest->ReleaseTypeName) == TReleaseType::rtNone) return nullptr;
+  return manifest;
 }
 
 bool TLocationVistaUpdate::IsPackageInstalled(const TRegistryKey& APackages, std::u16string_view ACode,

@@ -44,10 +44,11 @@ class TLocationVistaUpdate final : public TLocationUninstall {
   void ArmWatch();
   /// Fills FUpdateList with the updates that no other one contains, in the order of the folder.
   void ReadPackages();
-  /// Reads one package; null when it is not installed, cannot be read or is no update. ABuffer is memory to be used
+  /// The packages of the folder that are installed, in its order, as far as their keys below APackages tell of them.
+  [[nodiscard]] std::vector<std::unique_ptr<TTemporaryInfo>> FindInstalled(const TRegistryKey& APackages) const;
+  /// Reads the manifest of a package; null when it cannot be read or is none of an update. ABuffer is memory to be used
   /// again.
-  [[nodiscard]] std::unique_ptr<TTemporaryInfo> ReadPackage(const TRegistryKey& APackages, std::u16string ACode,
-                                                            std::vector<std::byte>& ABuffer) const;
+  [[nodiscard]] std::unique_ptr<TManifest> ReadUpdate(std::u16string_view ACode, std::vector<std::byte>& ABuffer) const;
   /// Whether a package is installed, by its key below APackages; ACanUninstall is set when it is.
   [[nodiscard]] static bool IsPackageInstalled(const TRegistryKey& APackages, std::u16string_view ACode,
                                                bool& ACanUninstall);
