@@ -1,31 +1,12 @@
 // Command lines and paths out of the registry, on a machine with a few programs.
 #include "fuzz/Fuzz.h"
-#include "library/NativeRoot.h"
+#include "fuzz/LoadedLibrary.h"
 #include "services/uFileUtils.h"
-
-namespace varcolin::fuzz {
-namespace {
-
-class TLoadedLibrary {
- public:
-  TLoadedLibrary() {
-    for (const std::u16string_view path : {u"C:\\Program Files (x86)\\Tool\\unins000.exe",
-                                           u"C:\\Program Files\\A B\\c d.exe", u"C:\\Windows\\tool.exe"}) {
-      FInstalled.Machine().Files().AddFile(path, std::string_view("MZ"));
-    }
-  }
-
- private:
-  TInstalledMachine FInstalled{TSimulatedFacts{}};
-  TLibraryModules FModules{FInstalled.Machine().Facilities()};
-};
-
-}  // namespace
-}  // namespace varcolin::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* AData, std::size_t ASize) {
   using namespace varcolin;
-  static const fuzz::TLoadedLibrary library;
+  static const fuzz::TLoadedLibrary library{u"C:\\Program Files (x86)\\Tool\\unins000.exe",
+                                            u"C:\\Program Files\\A B\\c d.exe", u"C:\\Windows\\tool.exe"};
   const std::u16string text = fuzz::AsText(fuzz::AsInput(AData, ASize));
   std::u16string file;
   std::u16string parameters;

@@ -1,6 +1,6 @@
 // Names of the shell's usage records, from the registry to the look-up of a program by the same text.
 #include "fuzz/Fuzz.h"
-#include "library/NativeRoot.h"
+#include "fuzz/LoadedLibrary.h"
 #include "locations/uLocationExeInfo.h"
 #include "products/uItemFolder.h"
 
@@ -11,28 +11,13 @@ constexpr std::u16string_view CountKey =
     u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\UserAssist\\"
     u"{75048700-EF1F-11D0-9888-006097DEACF9}\\Count";
 
-class TLoadedLibrary {
- public:
-  TLoadedLibrary() {
-    for (const std::u16string_view path :
-         {u"C:\\Tools\\Tool.exe", u"C:\\Windows\\tool.exe", u"C:\\Users\\User\\Desktop\\Tool (x86) 3.lnk"}) {
-      Machine().Files().AddFile(path, std::string_view("MZ"));
-    }
-  }
-
-  [[nodiscard]] TSimulatedMachine& Machine() noexcept { return FInstalled.Machine(); }
-
- private:
-  TInstalledMachine FInstalled{TSimulatedFacts{}};
-  TLibraryModules FModules{FInstalled.Machine().Facilities()};
-};
-
 }  // namespace
 }  // namespace varcolin::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* AData, std::size_t ASize) {
   using namespace varcolin;
-  static fuzz::TLoadedLibrary library;
+  static fuzz::TLoadedLibrary library{u"C:\\Tools\\Tool.exe", u"C:\\Windows\\tool.exe",
+                                      u"C:\\Users\\User\\Desktop\\Tool (x86) 3.lnk"};
   const std::u16string text = fuzz::AsText(fuzz::AsInput(AData, ASize));
   for (const bool isScrambled : {false, true}) {
     fuzz::Check(TLocationExeInfo::UsedPath(text, isScrambled).size() <= text.size(),

@@ -1,6 +1,4 @@
-#include <algorithm>
 #include <filesystem>
-#include <iterator>
 
 #include "host/Cells.h"
 #include "host/Commands.h"
@@ -38,9 +36,7 @@ int RunIcon(const TIconOptions& AOptions) {
     const TLibrary library(AOptions.Machine);
     TDiscovery discovery(library.Manager());
     discovery.WaitUntilLoaded();
-    std::vector<TProductRecord> products = discovery.Read();
-    std::ranges::move(discovery.Read(EProductKind::Update), std::back_inserter(products));
-    product = ChooseProduct(products, AOptions.NameOrGuid);
+    product = ChooseProduct(discovery.ReadAll(), AOptions.NameOrGuid);
     icon = library.LargeIcon(product.Kind, product.IconIndex);
   }
   const std::string name = Printable(product.DisplayName);

@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <iterator>
-
 #include "host/Cells.h"
 #include "host/Commands.h"
 #include "host/Discovery.h"
@@ -38,9 +35,7 @@ int RunShow(const TShowOptions& AOptions) {
     const TLibrary library(AOptions.Machine);
     TDiscovery discovery(library.Manager());
     discovery.WaitUntilLoaded();
-    std::vector<TProductRecord> products = discovery.Read();
-    std::ranges::move(discovery.Read(EProductKind::Update), std::back_inserter(products));
-    product = ChooseProduct(products, AOptions.NameOrGuid);
+    product = ChooseProduct(discovery.ReadAll(), AOptions.NameOrGuid);
   }
   WriteOutput(AOptions.Json ? FormatJson(product.Kind, std::span(&product, 1)) : FormatProduct(product));
   return ExitOk;

@@ -1,6 +1,7 @@
 #include "host/Discovery.h"
 
 #include <algorithm>
+#include <iterator>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -84,6 +85,12 @@ std::vector<TProductRecord> TDiscovery::Read(EProductKind AKind) {
   });
   if (ofPrograms) FCount = records.size();
   return records;
+}
+
+std::vector<TProductRecord> TDiscovery::ReadAll() {
+  std::vector<TProductRecord> products = Read();
+  std::ranges::move(Read(EProductKind::Update), std::back_inserter(products));
+  return products;
 }
 
 TInterfaceRef<IProduct> TDiscovery::ProductOf(const TProductRecord& AProgram) {

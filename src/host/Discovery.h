@@ -20,6 +20,8 @@ class TDiscovery {
   void WaitUntilLoaded();
   /// Reads all programs or all updates, in the library's order.
   [[nodiscard]] std::vector<TProductRecord> Read(EProductKind AKind = EProductKind::Program);
+  /// Reads all programs and then all updates.
+  [[nodiscard]] std::vector<TProductRecord> ReadAll();
   /// The listed program that reads like AProgram; null when there is none any more.
   [[nodiscard]] TInterfaceRef<IProduct> ProductOf(const TProductRecord& AProgram);
   /// Of the programs: whether the number of programs differs from that of the last Read, or the details of one have
