@@ -22,8 +22,8 @@ class TLinkFiles {
   /// The same, and to take from each link what the scanner of program folders and a launcher want: path, arguments,
   /// working directory and icon.
   [[nodiscard]] double ParseSeconds() const;
-  /// The seconds that liblnk takes for the same through its Python binding, the median of some rounds. Raises TSkipped
-  /// where that is not installed.
+  /// The seconds that liblnk takes for the same through its Python binding, in an interpreter that has done it once
+  /// before. Raises TSkipped where that is not installed.
   [[nodiscard]] double LiblnkSeconds() const;
 
  private:
