@@ -9,6 +9,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -146,8 +147,10 @@ class TServicedMachine {
  public:
   explicit TServicedMachine(std::size_t APackages) : FPackages(APackages) {
     TSimulatedMachine& machine = FInstalled.Machine();
-    for (std::size_t index = 0; index < FPackages.Count(); ++index) {
-      const std::u16string code = FPackages.CodeAt(index);
+    // in the order of their names, as exports have them
+    std::map<std::u16string, std::size_t> packages;
+    for (std::size_t index = 0; index < FPackages.Count(); ++index) packages.emplace(FPackages.CodeAt(index), index);
+    for (const auto& [code, index] : packages) {
       std::u16string path(PackagesFolder);
       path.append(code).append(u".mum");
       const std::string manifest = FPackages.ManifestAt(index);
@@ -190,7 +193,7 @@ class TServicedMachine {
            error = facilities.Files.FindNext(walk, file)) {
         std::u16string path(PackagesFolder);
         path.append(file.Name);
-        std::unique_ptr<IXmlElement> root;
+        std::unique_ptr<IXmlCursor> root;
         if (facilities.Files.ReadWhole(path, SIZE_MAX, data) != WinError::Success ||
             facilities.Xml.Parse(data, root) != WinError::Success) {
           throw std::runtime_error("a manifest cannot be read");

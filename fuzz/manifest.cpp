@@ -10,9 +10,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* AData, std::size_t ASi
   static TSimulatedCom com;
   static TSimulatedXml xml(com);
   const TComScope joined(com, ECom::Apartment);
+  TManifestReader reader(xml);
   TManifest manifest;
   manifest.Language = u"untouched";
-  if (ReadManifest(xml, fuzz::AsInput(AData, ASize), manifest) != WinError::Success) {
+  if (reader.Read(fuzz::AsInput(AData, ASize), manifest) != WinError::Success) {
     fuzz::Check(manifest.Language == u"untouched", "a manifest that cannot be read leaves the result alone");
   }
   return 0;

@@ -1,7 +1,9 @@
 #include "locations/uLocationVistaUpdate.h"
 
 #include <cstring>
+#include <memory_resource>
 #include <optional>
+#include <string>
 #include <unordered_set>
 #include <utility>
 
@@ -23,7 +25,8 @@ namespace varcolin {
 
 namespace {
 
-using TNameSet = std::unordered_set<std::u16string, TTextHash, TTextEqual>;
+/// Names that are kept elsewhere.
+using TNameSet = std::pmr::unordered_set<std::u16string_view, TTextHash, TTextEqual>;
 
 /// Where the packages' keys lie, each named by its code.
 constexpr std::u16string_view PackagesKey =
@@ -132,9 +135,10 @@ bool TLocationVistaUpdate::CheckChanges() {
 
 void TLocationVistaUpdate::ReadLocation() {
   const TComScope com(*FCom, ECom::Apartment);
+  TManifestReader manifests(*FXml);
   try {
     if (HasPackages()) {
-      ReadPackages();
+      ReadPackages(manifests);
       CheckTerminated();
       Publish();
     }
@@ -146,27 +150,29 @@ void TLocationVistaUpdate::ReadLocation() {
   FUpdateList.clear();
 }
 
-void TLocationVistaUpdate::ReadPackages() {
+void TLocationVistaUpdate::ReadPackages(TManifestReader& AManifests) {
   TRegistryKey packages;
   if (!OpenPackages(*FRegistry, packages)) return;  // no package has a key, so none is installed
   // all keys first and all files then: in turn, each would find the processor's caches full of the other's
-  std::vector<std::unique_ptr<TTemporaryInfo>> installed = FindInstalled(packages);
-  TNameSet contained;
+  FUpdateList = FindInstalled(packages);
+  std::pmr::monotonic_buffer_resource memory;
+  TNameSet contained(&memory);
+  contained.reserve(FUpdateList.size());  // most packages are contained in one other
   std::vector<std::byte> buffer;
-  for (std::unique_ptr<TTemporaryInfo>& info : installed) {
+  std::erase_if(FUpdateList, [&](TTemporaryInfo& AInfo) {
     CheckTerminated();
-    info->FManifest = ReadUpdate(info->FCode, buffer);
-    if (!info->FManifest) continue;
-    for (std::u16string& name : info->FManifest->ContainedNames) contained.insert(std::move(name));
-    info->FManifest->ContainedNames.clear();
-    if (!info->FManifest->IdentityName->empty()) FUpdateList.push_back(std::move(info));
-  }
-  std::erase_if(FUpdateList, [&](const auto& AInfo) { return contained.contains(*AInfo->FManifest->IdentityName); });
+    TManifest& manifest = AInfo.FManifest;
+    if (!ReadUpdate(AInfo.FCode, AManifests, buffer, manifest)) return true;
+    contained.insert(manifest.ContainedNames.begin(), manifest.ContainedNames.end());
+    return manifest.IdentityName->empty();
+  });
+  std::erase_if(FUpdateList,
+                [&](const TTemporaryInfo& AInfo) { return contained.contains(*AInfo.FManifest.IdentityName); });
   // for the few that are left of the many that were read
-  for (const auto& info : FUpdateList) {
-    info->FRegistryKeys.push_back(TRegistryEx::RegistryKeyToStr(ViewFlag(), ERegistryRoot::LocalMachine,
-                                                                Format(u"%s\\%s", {PackagesKey, info->FCode}), u""));
-    info->FFileNames.push_back(PathOf(info->FCode));
+  for (TTemporaryInfo& info : FUpdateList) {
+    info.FRegistryKeys.push_back(TRegistryEx::RegistryKeyToStr(ViewFlag(), ERegistryRoot::LocalMachine,
+                                                               Format(u"%s\\%s", {PackagesKey, info.FCode}), u""));
+    info.FFileNames.push_back(PathOf(info.FCode));
   }
 }
 
@@ -176,9 +182,9 @@ std::u16string TLocationVistaUpdate::PathOf(std::u16string_view ACode) const {
   return path.append(FPackagesFolder).append(ACode).append(Extension);
 }
 
-std::vector<std::unique_ptr<TLocationVistaUpdate::TTemporaryInfo>> TLocationVistaUpdate::FindInstalled(
+std::deque<TLocationVistaUpdate::TTemporaryInfo> TLocationVistaUpdate::FindInstalled(
     const TRegistryKey& APackages) const {
-  std::vector<std::unique_ptr<TTemporaryInfo>> installed;
+  std::deque<TTemporaryInfo> installed;
   TFindHandle walk;
   TFoundFile file;
   for (TWinError error = FFiles->FindFirst(PathOf(u"*"), walk, file); error == WinError::Success;
@@ -187,27 +193,25 @@ std::vector<std::unique_ptr<TLocationVistaUpdate::TTemporaryInfo>> TLocationVist
     std::u16string code = file.Name.substr(0, file.Name.rfind(u'.'));
     bool canUninstall = false;
     if (!IsPackageInstalled(APackages, code, canUninstall)) continue;
-    TTemporaryInfo& info = *installed.emplace_back(std::make_unique<TTemporaryInfo>());
+    TTemporaryInfo& info = installed.emplace_back();
     info.FCode = std::move(code);
     info.FIsCanUninstall = canUninstall;
   }
   return installed;
 }
 
-std::unique_ptr<TManifest> TLocationVistaUpdate::ReadUpdate(std::u16string_view ACode,
-                                                            std::vector<std::byte>& ABuffer) const {
-  auto manifest = std::make_unique<TManifest>();
+bool TLocationVistaUpdate::ReadUpdate(std::u16string_view ACode, TManifestReader& AManifests,
+                                      std::vector<std::byte>& ABuffer, TManifest& AManifest) const {
   try {
     if (FFiles->ReadWhole(PathOf(ACode), LargestManifest, ABuffer) != WinError::Success ||
-        ReadManifest(*FXml, ABuffer, *manifest) != WinError::Success) {
-      return nullptr;
+        AManifests.Read(ABuffer, AManifest) != WinError::Success) {
+      return false;
     }
   } catch (const std::exception&) {
-    return nullptr;  // whatever one manifest does must not hide the others
+    return false;  // whatever one manifest does must not hide the others
   }
-  if (!manifest->IdentityName || !manifest->Identifier || !manifest->ReleaseTypeName) return nullptr;
-  if (DLLGlobals::DecodeReleaseType(*manifest->ReleaseTypeName) == TReleaseType::rtNone) return nullptr;
-  return manifest;
+  return AManifest.IdentityName && AManifest.Identifier && AManifest.ReleaseTypeName &&
+         DLLGlobals::DecodeReleaseType(*AManifest.ReleaseTypeName) != TReleaseType::rtNone;
 }
 
 bool TLocationVistaUpdate::IsPackageInstalled(const TRegistryKey& APackages, std::u16string_view ACode,
@@ -234,10 +238,10 @@ void TLocationVistaUpdate::Publish() {
   auto& list = TItemUpdate::List();
   list.Expect(list.Count() + FUpdateList.size());
   TNameSet codes;
-  for (const auto& info : FUpdateList) {
+  for (TTemporaryInfo& info : FUpdateList) {
     CheckTerminated();
-    codes.insert(info->FCode);
-    if (!TItemUpdate::ItemByCode(info->FCode, FTypeLocation)) Add(*info);
+    codes.insert(info.FCode);
+    if (!TItemUpdate::ItemByCode(info.FCode, FTypeLocation)) Add(info);
   }
   list.RemoveWhere([&](const TItemUpdate& AItem) {
     CheckTerminated();
@@ -250,10 +254,10 @@ void TLocationVistaUpdate::Publish() {
 
 void TLocationVistaUpdate::Add(TTemporaryInfo& AInfo) {
   auto update = std::make_shared<TItemUpdate>(FTypeLocation);
-  update->FPackageCode = std::move(AInfo.FCode);
+  update->FPackageCode = AInfo.FCode;
   update->FRegistryKeys = std::move(AInfo.FRegistryKeys);
   update->FFileNames = std::move(AInfo.FFileNames);
-  update->FManifest = std::move(AInfo.FManifest);
+  update->FManifest = &AInfo.FManifest;
   if (AInfo.FIsCanUninstall) update->FPossibleActions = ActionBit(TPossibleActions::paUninstall);
   StatisticsLog::Add(u"");
   StatisticsLog::Add(u"Add Vista Update: %s", {update->FPackageCode});
@@ -265,6 +269,7 @@ void TLocationVistaUpdate::Add(TTemporaryInfo& AInfo) {
     if (auto values = keys.Get(text)) keys.Put(text, std::move(values));
   }
   update->ReadFastInfo(keys);
+  update->FManifest = nullptr;
   TItemUpdate::List().Append(std::move(update));
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,17 +38,18 @@ class TLocationVistaUpdate final : public TLocationUninstall {
     std::vector<std::u16string> FFileNames;
     std::vector<std::u16string> FRegistryKeys;
     bool FIsCanUninstall = false;
-    std::unique_ptr<TManifest> FManifest;
+    TManifest FManifest;  ///< its texts live during the read
   };
 
   void ArmWatch();
   /// Fills FUpdateList with the updates that no other one contains, in the order of the folder.
-  void ReadPackages();
+  void ReadPackages(TManifestReader& AManifests);
   /// The packages of the folder that are installed, in its order, as far as their keys below APackages tell of them.
-  [[nodiscard]] std::vector<std::unique_ptr<TTemporaryInfo>> FindInstalled(const TRegistryKey& APackages) const;
-  /// Reads the manifest of a package; null when it cannot be read or is none of an update. ABuffer is memory to be used
+  [[nodiscard]] std::deque<TTemporaryInfo> FindInstalled(const TRegistryKey& APackages) const;
+  /// Reads the manifest of a package; false when it cannot be read or is none of an update. ABuffer is memory to be used
   /// again.
-  [[nodiscard]] std::unique_ptr<TManifest> ReadUpdate(std::u16string_view ACode, std::vector<std::byte>& ABuffer) const;
+  [[nodiscard]] bool ReadUpdate(std::u16string_view ACode, TManifestReader& AManifests, std::vector<std::byte>& ABuffer,
+                                TManifest& AManifest) const;
   /// Whether a package is installed, by its key below APackages; ACanUninstall is set when it is.
   [[nodiscard]] static bool IsPackageInstalled(const TRegistryKey& APackages, std::u16string_view ACode,
                                                bool& ACanUninstall);
@@ -62,7 +63,7 @@ class TLocationVistaUpdate final : public TLocationUninstall {
   static inline ICom* FCom = nullptr;
   static inline IXml* FXml = nullptr;
   const std::u16string FPackagesFolder;  ///< with a trailing backslash
-  std::vector<std::unique_ptr<TTemporaryInfo>> FUpdateList;
+  std::deque<TTemporaryInfo> FUpdateList;
   TFolderWatch FWaitHandle;
   TEvent FRegWaitEvent;
   TRegistryKey FRegWaitKey;  ///< after the event: it is closed before it

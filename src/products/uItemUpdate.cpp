@@ -1,6 +1,6 @@
 #include "products/uItemUpdate.h"
 
-#include <utility>
+#include <string>
 
 #include "products/uItemProgram.h"
 #include "services/uDLLGlobals.h"
@@ -52,7 +52,7 @@ void TItemUpdate::DoReadFastInfo(const TKeyStore& AKeys) {
 }
 
 void TItemUpdate::ReadPackage(const TKeyStore& AKeys) {
-  if (const auto manifest = std::exchange(FManifest, nullptr)) {
+  if (const TManifest* const manifest = FManifest; manifest != nullptr) {
     FDisplayName = manifest->DisplayName;
     FComments = manifest->Description;
     FPublisher = manifest->Company;

@@ -37,9 +37,8 @@ class TItemUpdate final : public TItemProduct {
 
   [[nodiscard]] std::u16string GetActionCommand(TPossibleActions AAction) const override;
 
-  /// What the package's manifest says, for the reading of the fast information, which uses it up; component updates
-  /// only.
-  std::unique_ptr<const TManifest> FManifest;
+  /// What the package's manifest says, while the fast information is read for the first time; component updates only.
+  const TManifest* FManifest = nullptr;
 
   // Identity: as that of every product.
   std::u16string FPackageCode;  ///< servicing package; empty for registry updates

@@ -1,66 +1,70 @@
 #include "products/uManifest.h"
 
+#include <algorithm>
 #include <memory>
-#include <utility>
 
-#include "platform/Xml.h"
 #include "support/uText.h"
 
 namespace varcolin {
 
 namespace {
 
-using namespace std::string_view_literals;
+constexpr TXmlName Identity = "assemblyIdentity";
+constexpr TXmlName Package = "package";
 
-constexpr std::u16string_view Identity = u"assemblyIdentity";
-constexpr std::u16string_view Package = u"package";
-
-std::u16string TextOf(const IXmlElement& AElement, std::u16string_view AName) {
-  std::u16string text;
-  static_cast<void>(AElement.GetAttribute(AName, text));
-  return text;
-}
-
-std::optional<std::u16string> TextIfAny(const IXmlElement& AElement, std::u16string_view AName) {
-  std::u16string text;
-  if (!AElement.GetAttribute(AName, text)) return std::nullopt;
-  return text;
-}
-
-/// The package that one "update" element brings with it.
-std::optional<std::u16string> ContainedName(const IXmlElement& AUpdate) {
-  const auto package = AUpdate.FindChild(Package);
-  const auto identity = package ? package->FindChild(Identity) : nullptr;
-  return identity ? TextIfAny(*identity, u"name"sv) : std::nullopt;
+/// Does something at the first child with a name, when there is one, and comes back.
+template <class TAction>
+void AtChild(IXmlCursor& ACursor, TXmlName AName, TAction AAction) {
+  if (!ACursor.MoveToChild(AName)) return;
+  AAction();
+  ACursor.MoveToParent();
 }
 
 }  // namespace
 
-TWinError ReadManifest(IXml& AXml, std::span<const std::byte> AData, TManifest& AManifest) {
-  std::unique_ptr<IXmlElement> assembly;
-  if (const TWinError error = AXml.Parse(AData, assembly); error != WinError::Success) return error;
-  TManifest manifest;
-  if (assembly->Name() == u"assembly"sv) {
-    manifest.DisplayName = TextOf(*assembly, u"displayName"sv);
-    manifest.Description = TextOf(*assembly, u"description"sv);
-    manifest.Company = TextOf(*assembly, u"company"sv);
-    manifest.SupportInformation = TextOf(*assembly, u"supportInformation"sv);
-    if (const auto identity = assembly->FindChild(Identity)) {
-      manifest.IdentityName = TextIfAny(*identity, u"name"sv);
-      manifest.Version = TextOf(*identity, u"version"sv);
-      manifest.Language = TextOf(*identity, u"language"sv);
-    }
-    if (const auto package = assembly->FindChild(Package)) {
-      manifest.Identifier = TextIfAny(*package, u"identifier"sv);
-      manifest.ReleaseTypeName = TextIfAny(*package, u"releaseType"sv);
-      const auto child = package->FirstChild();
-      for (bool more = child != nullptr; more; more = child->MoveToNext()) {
-        if (!SameText(child->Name(), u"update"sv)) continue;
-        if (auto name = ContainedName(*child)) manifest.ContainedNames.push_back(*std::move(name));
-      }
-    }
-  }
-  AManifest = std::move(manifest);
+std::optional<std::u16string_view> TManifestReader::Attribute(const IXmlCursor& AElement, TXmlName AName) {
+  if (!AElement.GetAttribute(AName, FText)) return std::nullopt;
+  auto* const kept = static_cast<char16_t*>(FTexts.allocate(FText.size() * sizeof(char16_t), alignof(char16_t)));
+  std::ranges::copy(FText, kept);
+  return std::u16string_view(kept, FText.size());
+}
+
+std::u16string_view TManifestReader::TextOf(const IXmlCursor& AElement, TXmlName AName) {
+  return Attribute(AElement, AName).value_or(std::u16string_view());
+}
+
+void TManifestReader::ReadContainedNames(IXmlCursor& ACursor, std::vector<std::u16string_view>& ANames) {
+  if (!ACursor.MoveToFirstChild()) return;
+  do {
+    if (!SameText(ACursor.Name(), u"update")) continue;
+    AtChild(ACursor, Package, [&] {
+      AtChild(ACursor, Identity, [&] {
+        if (const auto name = Attribute(ACursor, "name")) ANames.push_back(*name);
+      });
+    });
+  } while (ACursor.MoveToNext());
+  ACursor.MoveToParent();
+}
+
+TWinError TManifestReader::Read(std::span<const std::byte> AData, TManifest& AManifest) {
+  std::unique_ptr<IXmlCursor> cursor;
+  if (const TWinError error = FXml.Parse(AData, cursor); error != WinError::Success) return error;
+  AManifest = {};
+  if (cursor->Name() != u"assembly") return WinError::Success;
+  AManifest.Description = TextOf(*cursor, "description");
+  AManifest.DisplayName = TextOf(*cursor, "displayName");
+  AManifest.Company = TextOf(*cursor, "company");
+  AManifest.SupportInformation = TextOf(*cursor, "supportInformation");
+  AtChild(*cursor, Identity, [&] {
+    AManifest.IdentityName = Attribute(*cursor, "name");
+    AManifest.Version = TextOf(*cursor, "version");
+    AManifest.Language = TextOf(*cursor, "language");
+  });
+  AtChild(*cursor, Package, [&] {
+    AManifest.Identifier = Attribute(*cursor, "identifier");
+    AManifest.ReleaseTypeName = Attribute(*cursor, "releaseType");
+    ReadContainedNames(*cursor, AManifest.ContainedNames);
+  });
   return WinError::Success;
 }
 

@@ -1,6 +1,7 @@
 #include "support/uText.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -86,17 +87,37 @@ bool IsAscii(std::basic_string_view<TUnit> AText) noexcept {
   return all < 0x80;
 }
 
+/// As many units as are looked at together.
+constexpr std::size_t UnitsOfWord = sizeof(std::uint64_t) / sizeof(char16_t);
+
+std::uint64_t WordAt(const char16_t* AUnits) noexcept {
+  std::uint64_t word = 0;
+  std::memcpy(&word, AUnits, sizeof word);
+  return word;
+}
+
 /// How many of the first ACount units are the same, case included, counted in steps: at least one that differs is left,
 /// or fewer than a step. Most names that are compared are the same for long or to their end.
 std::size_t SameSteps(const char16_t* AFirst, const char16_t* ASecond, std::size_t ACount) noexcept {
-  constexpr std::size_t Step = sizeof(std::uint64_t) / sizeof(char16_t);
   std::size_t done = 0;
-  for (std::uint64_t first = 0, second = 0; done + Step <= ACount; done += Step) {
-    std::memcpy(&first, AFirst + done, sizeof first);
-    std::memcpy(&second, ASecond + done, sizeof second);
-    if (first != second) break;
-  }
+  while (done + UnitsOfWord <= ACount && WordAt(AFirst + done) == WordAt(ASecond + done)) done += UnitsOfWord;
   return done;
+}
+
+/// WordAt with its units in upper case.
+std::uint64_t UpperWord(const char16_t* AUnits) noexcept {
+  constexpr std::uint64_t InEachUnit = 0x0001'0001'0001'0001;
+  const std::uint64_t word = WordAt(AUnits);
+  if ((word & 0xFF80 * InEachUnit) == 0) {
+    // ASCII, all at once: bit 7 of a sum tells whether the unit is at least 'a', of the other whether it is above 'z'
+    const std::uint64_t fromA = word + (0x80 - u'a') * InEachUnit;
+    const std::uint64_t behindZ = word + (0x80 - u'z' - 1) * InEachUnit;
+    const std::uint64_t letters = fromA & ~behindZ & 0x80 * InEachUnit;
+    return word - (letters >> 2);  // 0x20 below
+  }
+  std::array<char16_t, UnitsOfWord> upper;
+  std::transform(AUnits, AUnits + UnitsOfWord, upper.begin(), UpperChar);
+  return WordAt(upper.data());
 }
 
 /// The difference of the first units that are not the same without regard to case; 0 when all ACount are.
@@ -176,9 +197,17 @@ std::u16string ReplaceAllText(std::u16string_view AText, std::u16string_view AOl
 }
 
 std::size_t HashText(std::u16string_view AText) noexcept {
-  std::uint64_t hash = 0xCBF29CE484222325U;  // FNV-1a by units
-  for (const char16_t unit : AText) hash = (hash ^ UpperChar(unit)) * 0x100000001B3U;
-  return static_cast<std::size_t>(hash ^ hash >> 32);
+  std::uint64_t hash = AText.size();
+  const auto mix = [&hash](std::uint64_t AWord) {
+    hash = (hash ^ AWord) * 0x9E3779B97F4A7C15U;
+    hash ^= hash >> 32;  // a product carries upwards only: bring it back down to where the next one starts
+  };
+  std::size_t done = 0;
+  for (; done + UnitsOfWord <= AText.size(); done += UnitsOfWord) mix(UpperWord(AText.data() + done));
+  std::uint64_t rest = 0;
+  for (; done < AText.size(); ++done) rest = rest << 16 | UpperChar(AText[done]);
+  mix(rest);
+  return static_cast<std::size_t>(hash);
 }
 
 std::u16string_view Trim(std::u16string_view AText) noexcept {
@@ -246,22 +275,31 @@ std::string ToUtf8(std::u16string_view AText) {
 }
 
 std::u16string FromUtf8(std::string_view AText) {
-  if (IsAscii(AText)) return FromAscii(AText);
   std::u16string result;
-  result.reserve(AText.size());
+  AssignUtf8(result, AText);
+  return result;
+}
+
+void AssignUtf8(std::u16string& AResult, std::string_view AText) {
+  if (IsAscii(AText)) {
+    AResult.resize(AText.size());
+    std::ranges::copy(AText, AResult.begin());
+    return;
+  }
+  AResult.clear();
+  AResult.reserve(AText.size());
   while (!AText.empty()) {
     const TUtf8Part part = NextUtf8(AText);
     AText.remove_prefix(part.Length);
     if (!part.Whole) {
-      result.push_back(Replacement);
+      AResult.push_back(Replacement);
     } else if (part.Code < 0x10000) {
-      result.push_back(static_cast<char16_t>(part.Code));
+      AResult.push_back(static_cast<char16_t>(part.Code));
     } else {
-      result.push_back(static_cast<char16_t>(0xD800 + ((part.Code - 0x10000) >> 10)));
-      result.push_back(static_cast<char16_t>(0xDC00 + ((part.Code - 0x10000) & 0x3FF)));
+      AResult.push_back(static_cast<char16_t>(0xD800 + ((part.Code - 0x10000) >> 10)));
+      AResult.push_back(static_cast<char16_t>(0xDC00 + ((part.Code - 0x10000) & 0x3FF)));
     }
   }
-  return result;
 }
 
 std::u16string FromAscii(std::string_view AText) { return {AText.begin(), AText.end()}; }

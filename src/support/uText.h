@@ -71,6 +71,8 @@ struct TTextHash {
 [[nodiscard]] std::string ToUtf8(std::u16string_view AText);
 /// UTF-16 of a UTF-8 text; each maximal ill-formed part becomes U+FFFD.
 [[nodiscard]] std::u16string FromUtf8(std::string_view AText);
+/// The same into a text whose memory is used again.
+void AssignUtf8(std::u16string& AResult, std::string_view AText);
 /// UTF-16 of an ASCII text.
 [[nodiscard]] std::u16string FromAscii(std::string_view AText);
 

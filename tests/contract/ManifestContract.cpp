@@ -13,7 +13,7 @@
 namespace varcolin {
 namespace {
 
-std::string Text(const std::optional<std::u16string>& AText) { return AText ? ToUtf8(*AText) : std::string(); }
+std::string Text(std::optional<std::u16string_view> AText) { return AText ? ToUtf8(*AText) : std::string(); }
 
 TEST(ManifestContract, RealManifestsAreReadAsTheirTextSays) {
   const auto files = testing::RealFiles("mum", ".mum");
@@ -22,8 +22,9 @@ TEST(ManifestContract, RealManifestsAreReadAsTheirTextSays) {
   const TComScope com(machine.Com, ECom::Apartment);
   for (const auto& file : files) {
     const std::string bytes = testing::ReadRealFile(file);
+    TManifestReader reader(machine.Xml);
     TManifest manifest;
-    ASSERT_EQ(ReadManifest(machine.Xml, std::as_bytes(std::span(bytes)), manifest), WinError::Success) << file;
+    ASSERT_EQ(reader.Read(std::as_bytes(std::span(bytes)), manifest), WinError::Success) << file;
     const testing::TPlainTags tags(bytes);
     const std::string_view assembly = tags.First("assembly");
     const std::string_view identity = tags.First("assemblyIdentity");
@@ -38,7 +39,7 @@ TEST(ManifestContract, RealManifestsAreReadAsTheirTextSays) {
     EXPECT_EQ(Text(manifest.Identifier), tags.Value(package, "identifier")) << file;
     EXPECT_EQ(Text(manifest.ReleaseTypeName), tags.Value(package, "releaseType")) << file;
     std::vector<std::string> contained;
-    for (const std::u16string& name : manifest.ContainedNames) contained.push_back(ToUtf8(name));
+    for (const std::u16string_view name : manifest.ContainedNames) contained.push_back(ToUtf8(name));
     EXPECT_EQ(contained, tags.ContainedNames()) << file;
   }
 }
@@ -49,15 +50,16 @@ TEST(ManifestContract, AnythingElseGivesAnEmptyManifestOrAnError) {
   const std::string whole =
       "<assembly displayName='d'><assemblyIdentity name='n'/><package identifier='i' releaseType='r'><update><package>"
       "<assemblyIdentity name='c'/></package></update></package></assembly>";
+  TManifestReader reader(machine.Xml);
   for (std::size_t length = 0; length < whole.size(); ++length) {
     TManifest manifest;
     manifest.Version = u"untouched";
-    EXPECT_EQ(ReadManifest(machine.Xml, std::as_bytes(std::span(whole)).first(length), manifest), WinError::BadFormat);
+    EXPECT_EQ(reader.Read(std::as_bytes(std::span(whole)).first(length), manifest), WinError::BadFormat);
     EXPECT_EQ(manifest.Version, u"untouched");
   }
   const std::string_view other = "<x displayName='d'><assembly displayName='d'/></x>";
   TManifest manifest;
-  EXPECT_EQ(ReadManifest(machine.Xml, std::as_bytes(std::span(other)), manifest), WinError::Success);
+  EXPECT_EQ(reader.Read(std::as_bytes(std::span(other)), manifest), WinError::Success);
   EXPECT_EQ(manifest.DisplayName, u"");
   EXPECT_FALSE(manifest.IdentityName);
 }

@@ -17,29 +17,30 @@ class XmlContract : public ::testing::Test {
   IXml& Xml = testing::MachineUnderTest().Xml;
   const TComScope Com{testing::MachineUnderTest().Com, ECom::Apartment};
 
-  std::unique_ptr<IXmlElement> Root(std::string_view ADocument) {
-    std::unique_ptr<IXmlElement> root;
+  std::unique_ptr<IXmlCursor> Root(std::string_view ADocument) {
+    std::unique_ptr<IXmlCursor> root;
     EXPECT_EQ(Xml.Parse(std::as_bytes(std::span(ADocument)), root), WinError::Success) << ADocument.substr(0, 200);
     return root;
   }
   TWinError Error(std::string_view ADocument) {
-    std::unique_ptr<IXmlElement> root;
+    std::unique_ptr<IXmlCursor> root;
     const TWinError error = Xml.Parse(std::as_bytes(std::span(ADocument)), root);
     EXPECT_EQ(error == WinError::Success, root != nullptr);
     return error;
   }
-  static std::string Attribute(const IXmlElement* AElement, std::u16string_view AName) {
+  static std::string Attribute(const IXmlCursor* AElement, TXmlName AName) {
     std::u16string value = u"untouched";
     if (AElement == nullptr) return "no element";
     return AElement->GetAttribute(AName, value) ? ToUtf8(value) : "none, " + ToUtf8(value);
   }
-  /// The elements alone, each with its children in brackets.
-  static std::string TreeOf(const IXmlElement& AElement) {
-    std::string text = ToUtf8(AElement.Name());
-    std::string children;
-    const auto child = AElement.FirstChild();
-    for (bool more = child != nullptr; more; more = child->MoveToNext()) children += " " + TreeOf(*child);
-    return children.empty() ? text : text + "[" + children.substr(1) + "]";
+  /// The elements alone from the cursor's on, each with its children in brackets.
+  static std::string TreeOf(IXmlCursor& ACursor) {
+    std::string text = ToUtf8(ACursor.Name());
+    if (!ACursor.MoveToFirstChild()) return text;
+    std::string children = TreeOf(ACursor);
+    while (ACursor.MoveToNext()) children += " " + TreeOf(ACursor);
+    EXPECT_TRUE(ACursor.MoveToParent());
+    return text + "[" + children + "]";
   }
 };
 
@@ -50,16 +51,24 @@ TEST_F(XmlContract, ElementsAreFoundAmongEverythingElse) {
       "<![CDATA[<package/>]]><package n='1'><c/></package><Package n='2'/><package n='3'/>tail</assembly><!-- z -->\n");
   ASSERT_TRUE(root);
   EXPECT_EQ(TreeOf(*root), "assembly[b[package] package[c] Package package]");
-  EXPECT_EQ(Attribute(root->FindChild(u"package").get(), u"n"), "1");
-  EXPECT_EQ(Attribute(root->FindChild(u"Package").get(), u"n"), "2");
-  EXPECT_FALSE(root->FindChild(u"c")) << "no child of its own";
-  EXPECT_FALSE(root->FindChild(u"target")) << "an instruction is no element";
-  EXPECT_FALSE(root->FindChild(u""));
-  const auto last = root->FindChild(u"Package");
-  EXPECT_TRUE(last->MoveToNext());
-  EXPECT_FALSE(last->MoveToNext());
-  EXPECT_EQ(Attribute(last.get(), u"n"), "3") << "behind the last one nothing moves";
-  EXPECT_FALSE(root->FindChild(u"Package")->FirstChild());
+  EXPECT_FALSE(root->MoveToParent());
+  EXPECT_FALSE(root->MoveToChild("c")) << "no child of its own";
+  EXPECT_FALSE(root->MoveToChild("target")) << "an instruction is no element";
+  EXPECT_FALSE(root->MoveToChild(""));
+  EXPECT_EQ(TreeOf(*root), "assembly[b[package] package[c] Package package]") << "what finds nothing moves nothing";
+  ASSERT_TRUE(root->MoveToChild("package"));
+  EXPECT_EQ(Attribute(root.get(), "n"), "1");
+  EXPECT_TRUE(root->MoveToNext());
+  EXPECT_EQ(Attribute(root.get(), "n"), "2");
+  EXPECT_TRUE(root->MoveToNext());
+  EXPECT_FALSE(root->MoveToNext());
+  EXPECT_EQ(Attribute(root.get(), "n"), "3") << "behind the last one nothing moves";
+  EXPECT_TRUE(root->MoveToParent());
+  ASSERT_TRUE(root->MoveToChild("Package"));
+  EXPECT_EQ(Attribute(root.get(), "n"), "2");
+  EXPECT_FALSE(root->MoveToFirstChild());
+  EXPECT_TRUE(root->MoveToParent());
+  EXPECT_EQ(root->Name(), u"assembly");
 }
 
 TEST_F(XmlContract, NamesAreThoseThatAreWritten) {
@@ -68,11 +77,12 @@ TEST_F(XmlContract, NamesAreThoseThatAreWritten) {
       "<other:package/><asm:package/><package/></asm:assembly>");
   ASSERT_TRUE(root);
   EXPECT_EQ(TreeOf(*root), "asm:assembly[other:package asm:package package]");
-  EXPECT_EQ(Attribute(root.get(), u"asm:name"), "1");
-  EXPECT_EQ(Attribute(root.get(), u"name"), "2");
-  EXPECT_EQ(Attribute(root.get(), u"Name"), "3");
-  EXPECT_EQ(Attribute(root.get(), u"other:nothing"), "none, untouched");
-  EXPECT_EQ(TreeOf(*root->FindChild(u"package")), "package");
+  EXPECT_EQ(Attribute(root.get(), "asm:name"), "1");
+  EXPECT_EQ(Attribute(root.get(), "name"), "2");
+  EXPECT_EQ(Attribute(root.get(), "Name"), "3");
+  EXPECT_EQ(Attribute(root.get(), "other:nothing"), "none, untouched");
+  EXPECT_TRUE(root->MoveToChild("package"));
+  EXPECT_FALSE(root->MoveToNext()) << "the one without a prefix is the last";
 }
 
 TEST_F(XmlContract, ValuesAreResolvedAndNormalised) {
@@ -80,11 +90,11 @@ TEST_F(XmlContract, ValuesAreResolvedAndNormalised) {
       "<a empty='' refs='&lt;&amp;&gt;&quot;&apos;&#65;&#x42;&#x20AC;&#x1F600;' blanks=' x\ty\r\nz ' "
       "kept='x&#9;&#10;y' "
       "quotes=\"it's\"/>");
-  EXPECT_EQ(Attribute(root.get(), u"empty"), "");
-  EXPECT_EQ(Attribute(root.get(), u"refs"), "<&>\"'AB\xE2\x82\xAC\xF0\x9F\x98\x80");
-  EXPECT_EQ(Attribute(root.get(), u"blanks"), " x y z ");
-  EXPECT_EQ(Attribute(root.get(), u"kept"), "x\t\ny");
-  EXPECT_EQ(Attribute(root.get(), u"quotes"), "it's");
+  EXPECT_EQ(Attribute(root.get(), "empty"), "");
+  EXPECT_EQ(Attribute(root.get(), "refs"), "<&>\"'AB\xE2\x82\xAC\xF0\x9F\x98\x80");
+  EXPECT_EQ(Attribute(root.get(), "blanks"), " x y z ");
+  EXPECT_EQ(Attribute(root.get(), "kept"), "x\t\ny");
+  EXPECT_EQ(Attribute(root.get(), "quotes"), "it's");
 }
 
 TEST_F(XmlContract, EncodingsOfTheMarkAndOfTheDeclaration) {
@@ -110,7 +120,7 @@ TEST_F(XmlContract, EncodingsOfTheMarkAndOfTheDeclaration) {
       wide("\xEF\xBB\xBF<?xml version='1.0' encoding='utf-16'?>" + element, false),
   };
   for (const std::string& document : documents) {
-    EXPECT_EQ(Attribute(Root(document).get(), u"v"), wanted) << document;
+    EXPECT_EQ(Attribute(Root(document).get(), "v"), wanted) << document;
   }
 }
 
@@ -172,8 +182,8 @@ TEST_F(XmlContract, OutlandishDocumentsEnd) {
   for (int index = 0; index < Many; ++index) broad += "<b/>";
   const auto root = Root(broad + "</a>");
   ASSERT_TRUE(root);
-  EXPECT_EQ(Attribute(root.get(), u"v").size(), 1'000'000U);
-  EXPECT_FALSE(root->FindChild(u"c"));
+  EXPECT_EQ(Attribute(root.get(), "v").size(), 1'000'000U);
+  EXPECT_FALSE(root->MoveToChild("c"));
 }
 
 TEST_F(XmlContract, AThreadThatHasNotJoinedComParsesNothing) {

@@ -11,8 +11,8 @@ class TForwardingXml : public TForwarding<IXml> {
  public:
   explicit TForwardingXml(IXml& AInner, ICallGate& AGate = OpenGate) : TForwarding(AInner, AGate, "Xml") {}
 
-  [[nodiscard]] TWinError Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlElement>& ARoot) override {
-    return Look("Parse", {}, [&] { return Inner().Parse(AData, ARoot); });
+  [[nodiscard]] TWinError Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlCursor>& ACursor) override {
+    return Look("Parse", {}, [&] { return Inner().Parse(AData, ACursor); });
   }
 };
 

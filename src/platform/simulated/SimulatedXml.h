@@ -13,7 +13,7 @@ class TSimulatedXml final : public IXml {
  public:
   explicit TSimulatedXml(TSimulatedCom& ACom) noexcept : FCom(ACom) {}
 
-  [[nodiscard]] TWinError Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlElement>& ARoot) override;
+  [[nodiscard]] TWinError Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlCursor>& ACursor) override;
 
  private:
   TSimulatedCom& FCom;

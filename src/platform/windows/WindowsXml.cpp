@@ -54,55 +54,72 @@ class TVariant {
   VARIANT FValue;
 };
 
-class TElement final : public IXmlElement {
+class TCursor final : public IXmlCursor {
  public:
-  explicit TElement(TInterfaceRef<IXMLDOMElement> AElement) noexcept : FElement(std::move(AElement)) {}
+  explicit TCursor(TInterfaceRef<IXMLDOMElement> AElement) noexcept : FElement(std::move(AElement)) {}
 
-  [[nodiscard]] std::u16string Name() const override {
-    TOleText name;
-    if (FAILED(FElement->get_nodeName(reinterpret_cast<BSTR*>(name.Receive())))) return {};
-    return std::u16string(name.View());
-  }
-  [[nodiscard]] bool GetAttribute(std::u16string_view AName, std::u16string& AValue) const override {
-    TArgument name(AName);
+  [[nodiscard]] std::u16string Name() const override { return NameOf(*FElement); }
+  [[nodiscard]] bool GetAttribute(TXmlName AName, std::u16string& AValue) const override {
+    TArgument name(FromAscii(AName.View()));
     TVariant value;
     // one that there is not answers with a success too, and no text
     if (FElement->getAttribute(name.Get(), value.Receive()) != S_OK || value.Get().vt != VT_BSTR) return false;
     AValue = FromWide(value.Get().bstrVal, SysStringLen(value.Get().bstrVal));
     return true;
   }
-  [[nodiscard]] std::unique_ptr<IXmlElement> FirstChild() const override {
-    TInterfaceRef<IXMLDOMNode> node;
-    if (FAILED(FElement->get_firstChild(node.Receive()))) return nullptr;
-    auto child = FirstElement(std::move(node));
-    return child ? std::make_unique<TElement>(std::move(child)) : nullptr;
+  [[nodiscard]] bool MoveToFirstChild() override { return MoveTo(FirstChild()); }
+  [[nodiscard]] bool MoveToChild(TXmlName AName) override {
+    const std::u16string name = FromAscii(AName.View());
+    TInterfaceRef<IXMLDOMElement> child = FirstChild();
+    while (child && NameOf(*child) != name) child = NextOf(*child);
+    return MoveTo(std::move(child));
   }
-  [[nodiscard]] bool MoveToNext() override {
+  [[nodiscard]] bool MoveToNext() override { return MoveTo(NextOf(*FElement)); }
+  bool MoveToParent() override {
     TInterfaceRef<IXMLDOMNode> node;
-    if (FAILED(FElement->get_nextSibling(node.Receive()))) return false;
-    auto next = FirstElement(std::move(node));
-    if (!next) return false;
-    FElement = std::move(next);
-    return true;
-  }
-  [[nodiscard]] std::unique_ptr<IXmlElement> FindChild(std::u16string_view AName) const override {
-    std::unique_ptr<IXmlElement> child = FirstChild();
-    while (child && child->Name() != AName) {
-      if (!child->MoveToNext()) child.reset();
-    }
-    return child;
+    TInterfaceRef<IXMLDOMElement> parent;
+    if (SUCCEEDED(FElement->get_parentNode(node.Receive())) && node) parent = AsElement(*node);
+    return MoveTo(std::move(parent));
   }
 
  private:
-  /// ANode, or the first element behind it; what is no element does not answer to an element's interface.
+  /// Null for what is no element: it does not answer to an element's interface.
+  static TInterfaceRef<IXMLDOMElement> AsElement(IXMLDOMNode& ANode) {
+    TInterfaceRef<IXMLDOMElement> element;
+    static_cast<void>(ANode.QueryInterface(IdOfElement, reinterpret_cast<void**>(element.Receive())));
+    return element;
+  }
+  /// ANode, or the first element behind it.
   static TInterfaceRef<IXMLDOMElement> FirstElement(TInterfaceRef<IXMLDOMNode> ANode) {
     TInterfaceRef<IXMLDOMElement> element;
-    while (ANode && FAILED(ANode->QueryInterface(IdOfElement, reinterpret_cast<void**>(element.Receive())))) {
+    while (ANode && !(element = AsElement(*ANode))) {
       TInterfaceRef<IXMLDOMNode> next;
       if (FAILED(ANode->get_nextSibling(next.Receive()))) break;
       ANode = std::move(next);
     }
     return element;
+  }
+  static TInterfaceRef<IXMLDOMElement> NextOf(IXMLDOMElement& AElement) {
+    TInterfaceRef<IXMLDOMNode> node;
+    if (FAILED(AElement.get_nextSibling(node.Receive()))) return {};
+    return FirstElement(std::move(node));
+  }
+  static std::u16string NameOf(IXMLDOMElement& AElement) {
+    TOleText name;
+    if (FAILED(AElement.get_nodeName(reinterpret_cast<BSTR*>(name.Receive())))) return {};
+    return std::u16string(name.View());
+  }
+
+  [[nodiscard]] TInterfaceRef<IXMLDOMElement> FirstChild() const {
+    TInterfaceRef<IXMLDOMNode> node;
+    if (FAILED(FElement->get_firstChild(node.Receive()))) return {};
+    return FirstElement(std::move(node));
+  }
+  /// Moves to an element, when there is one.
+  bool MoveTo(TInterfaceRef<IXMLDOMElement> AElement) noexcept {
+    if (!AElement) return false;
+    FElement = std::move(AElement);
+    return true;
   }
 
   TInterfaceRef<IXMLDOMElement> FElement;
@@ -128,7 +145,7 @@ HRESULT MakeDocument(TInterfaceRef<IXMLDOMDocument2>& ADocument) {
 
 }  // namespace
 
-TWinError TWindowsXml::Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlElement>& ARoot) {
+TWinError TWindowsXml::Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlCursor>& ACursor) {
   TInterfaceRef<IXMLDOMDocument2> document;
   if (const HRESULT result = MakeDocument(document); FAILED(result)) return FromResult(result);
   TVariant source;
@@ -141,7 +158,7 @@ TWinError TWindowsXml::Parse(std::span<const std::byte> AData, std::unique_ptr<I
   if (SUCCEEDED(document->get_doctype(type.Receive())) && type) return WinError::BadFormat;
   TInterfaceRef<IXMLDOMElement> root;
   if (FAILED(document->get_documentElement(root.Receive())) || !root) return WinError::BadFormat;
-  ARoot = std::make_unique<TElement>(std::move(root));
+  ACursor = std::make_unique<TCursor>(std::move(root));
   return WinError::Success;
 }
 

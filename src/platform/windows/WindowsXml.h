@@ -7,7 +7,7 @@ namespace varcolin {
 
 class TWindowsXml final : public IXml {
  public:
-  [[nodiscard]] TWinError Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlElement>& ARoot) override;
+  [[nodiscard]] TWinError Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlCursor>& ACursor) override;
 };
 
 }  // namespace varcolin
