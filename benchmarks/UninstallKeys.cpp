@@ -2,7 +2,9 @@
 
 #include <array>
 #include <bit>
+#include <map>
 #include <span>
+#include <utility>
 
 #include "support/uExceptions.h"
 #include "support/uText.h"
@@ -78,6 +80,14 @@ void AppendQuoted(std::u16string& AResult, std::u16string_view AText) {
     AResult += unit;
   }
   AResult += u'"';
+}
+
+/// Where the key lies in the native view.
+std::u16string NativePathOf(const TUninstallKey& AKey) {
+  std::u16string path =
+      AKey.Root == ERegistryRoot::CurrentUser ? u"HKEY_CURRENT_USER\\Software" : u"HKEY_LOCAL_MACHINE\\SOFTWARE";
+  if (AKey.View == KeyAccess::Wow64_32Key) path += u"\\Wow6432Node";
+  return path.append(UninstallPath.substr(UninstallPath.find(u'\\'))).append(u"\\").append(AKey.Name);
 }
 
 /// Bytes in hexadecimal, in lines of the registry editor's length.
@@ -159,14 +169,16 @@ void WriteUninstallKeys(IWritableRegistry& ARegistry, const TUninstallKeys& AKey
 }
 
 std::u16string ExportOf(const TUninstallKeys& AKeys) {
-  std::u16string text = u"\xFEFFWindows Registry Editor Version 5.00\r\n";
+  // a registry has its keys in the order of their names, whatever came first
+  std::map<std::u16string, TUninstallKey> keys;
   for (std::size_t index = 0; index < AKeys.Count(); ++index) {
-    const TUninstallKey key = AKeys.At(index);
-    const bool isUser = key.Root == ERegistryRoot::CurrentUser;
-    const bool isView32 = key.View == KeyAccess::Wow64_32Key;
-    text += isUser ? u"\r\n[HKEY_CURRENT_USER\\Software" : u"\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE";
-    if (isView32) text += u"\\Wow6432Node";
-    text.append(UninstallPath.substr(UninstallPath.find(u'\\'))).append(u"\\").append(key.Name).append(u"]\r\n");
+    TUninstallKey key = AKeys.At(index);
+    std::u16string path = NativePathOf(key);
+    keys.emplace(std::move(path), std::move(key));
+  }
+  std::u16string text = u"\xFEFFWindows Registry Editor Version 5.00\r\n";
+  for (const auto& [path, key] : keys) {
+    text.append(u"\r\n[").append(path).append(u"]\r\n");
     for (const TUninstallValue& value : key.Values) {
       AppendQuoted(text, value.Name);
       text += u'=';
