@@ -46,8 +46,8 @@ class TLocationVistaUpdate final : public TLocationUninstall {
   void ReadPackages(TManifestReader& AManifests);
   /// The packages of the folder that are installed, in its order, as far as their keys below APackages tell of them.
   [[nodiscard]] std::deque<TTemporaryInfo> FindInstalled(const TRegistryKey& APackages) const;
-  /// Reads the manifest of a package; false when it cannot be read or is none of an update. ABuffer is memory to be used
-  /// again.
+  /// Reads the manifest of a package; false when it cannot be read or is none of an update. ABuffer is memory to be
+  /// used again.
   [[nodiscard]] bool ReadUpdate(std::u16string_view ACode, TManifestReader& AManifests, std::vector<std::byte>& ABuffer,
                                 TManifest& AManifest) const;
   /// Whether a package is installed, by its key below APackages; ACanUninstall is set when it is.

@@ -15,18 +15,18 @@ namespace varcolin {
 class TXmlName {
  public:
   template <std::size_t Size>
-  consteval TXmlName(const char (&AText)[Size]) : FText(AText, Size - 1) {  // NOLINT(google-explicit-constructor)
-    for (const char character : FText) {
+  consteval TXmlName(const char (&AText)[Size]) : FText(AText) {  // NOLINT(google-explicit-constructor)
+    for (const char character : View()) {
       if (static_cast<unsigned char>(character) >= 0x80) throw "a name to look for is ASCII";
     }
   }
 
   [[nodiscard]] constexpr std::string_view View() const noexcept { return FText; }
   /// With a terminator.
-  [[nodiscard]] constexpr const char* Text() const noexcept { return FText.data(); }
+  [[nodiscard]] constexpr const char* Text() const noexcept { return FText; }
 
  private:
-  std::string_view FText;
+  const char* FText;
 };
 
 /// A place in a document, which it keeps: always one of its elements, the root at first. Names are those that the
@@ -55,10 +55,10 @@ class IXml {
  public:
   virtual ~IXml() = default;
 
-  /// Parses a document and gives a cursor at its root. The encoding is that of the byte-order mark, or else the one that
-  /// the document names. BadFormat for what is not well-formed, and for every document with
-  /// a document type declaration, so that nothing is ever expanded or fetched; a limit on depth may apply from 256
-  /// levels on. The calling thread has joined COM. Windows: IXMLDOMDocument::load.
+  /// Parses a document and gives a cursor at its root. The encoding is that of the byte-order mark, or else the one
+  /// that the document names. BadFormat for what is not well-formed, and for every document with a document type
+  /// declaration, so that nothing is ever expanded or fetched; a limit on depth may apply from 256 levels on. The
+  /// calling thread has joined COM. Windows: IXMLDOMDocument::load.
   [[nodiscard]] virtual TWinError Parse(std::span<const std::byte> AData, std::unique_ptr<IXmlCursor>& ACursor) = 0;
 };
 

@@ -25,4 +25,11 @@ template <class T>
   return AOffset < AData.size() ? AData.subspan(AOffset) : std::span<const std::byte>{};
 }
 
+/// What stands in front of the first zero byte; everything when there is none.
+[[nodiscard]] inline std::span<const std::byte> BytesToNul(std::span<const std::byte> AData) noexcept {
+  const void* const end = AData.empty() ? nullptr : std::memchr(AData.data(), 0, AData.size());
+  if (end == nullptr) return AData;
+  return AData.first(static_cast<std::size_t>(static_cast<const std::byte*>(end) - AData.data()));
+}
+
 }  // namespace varcolin

@@ -8,12 +8,14 @@
 namespace varcolin {
 namespace {
 
-using TMake = std::unique_ptr<TExtraData> (*)(const TShellLinkInfo&, std::uint32_t, std::uint32_t, TExtraDataType);
+using TMake = TExtraDataPtr (*)(const TShellLinkInfo&, std::uint32_t, std::uint32_t, TExtraDataType,
+                                std::pmr::memory_resource&);
 
 template <class TBlock>
-std::unique_ptr<TExtraData> Make(const TShellLinkInfo& AOwner, std::uint32_t ASize, std::uint32_t ASign,
-                                 TExtraDataType AType) {
-  return std::make_unique<TBlock>(AOwner, ASize, ASign, AType);
+TExtraDataPtr Make(const TShellLinkInfo& AOwner, std::uint32_t ASize, std::uint32_t ASign, TExtraDataType AType,
+                   std::pmr::memory_resource& AMemory) {
+  void* const place = AMemory.allocate(sizeof(TBlock), alignof(TBlock));
+  return TExtraDataPtr(::new (place) TBlock(AOwner, ASize, ASign, AType));
 }
 
 struct TBlockKind {
@@ -47,14 +49,16 @@ constexpr TBlockKind BlockKinds[] = {
 
 }  // namespace
 
-std::unique_ptr<TExtraData> TExtraData::CreateExtraData(const TShellLinkInfo& AOwner, std::uint32_t ASize,
-                                                        std::uint32_t ASign) {
+void TEndExtraData::operator()(TExtraData* ABlock) const noexcept { std::destroy_at(ABlock); }
+
+TExtraDataPtr TExtraData::CreateExtraData(const TShellLinkInfo& AOwner, std::uint32_t ASize, std::uint32_t ASign,
+                                          std::pmr::memory_resource& AMemory) {
   const TBlockKind* const kind = std::ranges::find(BlockKinds, ASign, &TBlockKind::Signature);
   if (kind == std::end(BlockKinds)) {
-    return std::make_unique<TExtraData>(AOwner, ASize, ASign, TExtraDataType::edtUnknown);
+    return Make<TExtraData>(AOwner, ASize, ASign, TExtraDataType::edtUnknown, AMemory);
   }
   if (kind->Size != 0 && kind->Size != ASize) TShellLinkReader::FailFormat(AOwner.FileName());
-  return kind->Make(AOwner, ASize, ASign, kind->Type);
+  return kind->Make(AOwner, ASize, ASign, kind->Type, AMemory);
 }
 
 void TExtraData::ReadBody(TShellLinkReader& AReader) {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <memory_resource>
 #include <span>
 #include <string>
 
@@ -30,6 +31,13 @@ enum class TExtraDataType : std::uint8_t {
   edtVistaAndAboveIDListProps,
 };
 
+class TExtraData;
+/// Ends a block whose memory goes with that of all blocks of its file.
+struct TEndExtraData {
+  void operator()(TExtraData* ABlock) const noexcept;
+};
+using TExtraDataPtr = std::unique_ptr<TExtraData, TEndExtraData>;
+
 /// A block; as such the class of the blocks whose body is only kept.
 class TExtraData {
  public:
@@ -39,10 +47,10 @@ class TExtraData {
   TExtraData& operator=(const TExtraData&) = delete;
   virtual ~TExtraData() = default;
 
-  /// A new block, still without its body, of the class that the signature stands for. Raises TShellLinkInfoException
-  /// when that class has blocks of another size only.
-  [[nodiscard]] static std::unique_ptr<TExtraData> CreateExtraData(const TShellLinkInfo& AOwner, std::uint32_t ASize,
-                                                                   std::uint32_t ASign);
+  /// A new block in AMemory, still without its body, of the class that the signature stands for. Raises
+  /// TShellLinkInfoException when that class has blocks of another size only.
+  [[nodiscard]] static TExtraDataPtr CreateExtraData(const TShellLinkInfo& AOwner, std::uint32_t ASize,
+                                                     std::uint32_t ASign, std::pmr::memory_resource& AMemory);
   /// Takes the body from the file.
   void ReadBody(TShellLinkReader& AReader);
 

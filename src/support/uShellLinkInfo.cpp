@@ -58,9 +58,16 @@ void TShellLinkInfo::Unload() noexcept { LoadedState.reset(); }
 
 TShellLinkInfo::TShellLinkInfo(std::u16string_view AFileName) { SetFileName(AFileName); }
 
-TShellLinkInfo::TShellLinkInfo(std::u16string_view AFileName, std::vector<std::byte> AData) : FFileName(AFileName) {
+TShellLinkInfo::TShellLinkInfo(std::u16string_view AFileName, std::vector<std::byte> AData)
+    : FFileName(AFileName), FOwnData(std::move(AData)), FData(FOwnData) {
   CheckExtension();
-  LoadData(std::move(AData));
+  LoadData();
+}
+
+TShellLinkInfo::TShellLinkInfo(std::u16string_view AFileName, std::span<const std::byte> AData)
+    : FFileName(AFileName), FData(AData) {
+  CheckExtension();
+  LoadData();
 }
 
 void TShellLinkInfo::SetFileName(std::u16string_view AFileName) {
@@ -70,16 +77,20 @@ void TShellLinkInfo::SetFileName(std::u16string_view AFileName) {
   FFileName = std::move(name);
   if (FFileName.empty()) return;
   CheckExtension();
-  LoadData(ReadFile());
+  FOwnData = ReadFile();
+  FData = FOwnData;
+  LoadData();
 }
 
 void TShellLinkInfo::Clear() noexcept {
-  FExtraData.clear();
+  FExtraData = std::pmr::vector<TExtraDataPtr>(&FBlockMemory);
+  FBlockMemory.release();
   FStringData.Clear();
   FLinkInfo.Clear();
   FLinkTargetIDList.Clear();
   FHeaderInfo.Clear();
   FData = {};
+  FOwnData = {};
 }
 
 void TShellLinkInfo::CheckExtension() const {
@@ -96,10 +107,9 @@ std::vector<std::byte> TShellLinkInfo::ReadFile() const {
   return data;
 }
 
-void TShellLinkInfo::LoadData(std::vector<std::byte> AData) {
-  if (AData.size() > LargestFile) TShellLinkReader::FailFormat(FFileName);
-  FData = std::move(AData);
+void TShellLinkInfo::LoadData() {
   try {
+    if (FData.size() > LargestFile) TShellLinkReader::FailFormat(FFileName);
     TShellLinkReader reader(FData, FFileName);
     FHeaderInfo.Read(reader);
     if (FLinkTargetIDList.IsExists()) FLinkTargetIDList.Read(reader);
@@ -116,13 +126,12 @@ void TShellLinkInfo::LoadData(std::vector<std::byte> AData) {
 
 void TShellLinkInfo::ReadExtraData(TShellLinkReader& AReader) {
   constexpr std::uint32_t smallestBlock = 4;
-  constexpr std::size_t usualCount = 4;
-  FExtraData.reserve(usualCount);
+  FExtraData.reserve(UsualBlocks);
   for (;;) {
     const auto size = AReader.TakeNumber<std::uint32_t>();
     if (size < smallestBlock) return;
     const auto signature = AReader.TakeNumber<std::uint32_t>();
-    std::unique_ptr<TExtraData> block = TExtraData::CreateExtraData(*this, size, signature);
+    TExtraDataPtr block = TExtraData::CreateExtraData(*this, size, signature, FBlockMemory);
     block->ReadBody(AReader);
     FExtraData.push_back(std::move(block));
   }
@@ -153,7 +162,7 @@ std::u16string TShellLinkInfo::IconLocation() const {
 
 std::u16string TShellLinkInfo::TextOf(std::span<const std::byte> ABytes, bool AIsUnicode) {
   if (AIsUnicode) return TextFromBytes(ABytes);
-  const std::span<const std::byte> text(ABytes.begin(), std::ranges::find(ABytes, std::byte{0}));
+  const std::span<const std::byte> text = BytesToNul(ABytes);
   std::u16string result;
   if (text.empty() || State().System.AnsiToText(text, result) != WinError::Success) return {};
   return result;

@@ -2,9 +2,10 @@
 // them.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <memory_resource>
 #include <span>
 #include <string>
 #include <string_view>
@@ -40,6 +41,8 @@ class TShellLinkInfo {
   explicit TShellLinkInfo(std::u16string_view AFileName);
   /// Reads bytes that the caller has from elsewhere; AFileName is checked like a file's name and used in messages.
   TShellLinkInfo(std::u16string_view AFileName, std::vector<std::byte> AData);
+  /// The same with bytes that stay the caller's and must outlive the object.
+  TShellLinkInfo(std::u16string_view AFileName, std::span<const std::byte> AData);
   TShellLinkInfo(const TShellLinkInfo&) = delete;
   TShellLinkInfo& operator=(const TShellLinkInfo&) = delete;
 
@@ -91,18 +94,23 @@ class TShellLinkInfo {
 
   void CheckExtension() const;
   [[nodiscard]] std::vector<std::byte> ReadFile() const;
-  void LoadData(std::vector<std::byte> AData);
+  void LoadData();
   void ReadExtraData(TShellLinkReader& AReader);
   [[nodiscard]] std::u16string StringProps(TExtraDataType AType) const;
   void Clear() noexcept;
 
   std::u16string FFileName;
-  std::vector<std::byte> FData;  // the whole file, which all parts are views of
+  std::vector<std::byte> FOwnData;   // empty when the bytes are the caller's
+  std::span<const std::byte> FData;  // the whole file, which all parts are views of
   THeaderInfo FHeaderInfo;
   TLinkTargetIDList FLinkTargetIDList{*this};
   TLinkInfo FLinkInfo{*this};
   TStringData FStringData{*this};
-  std::vector<std::unique_ptr<TExtraData>> FExtraData;
+  // the usual few blocks lie in the object itself
+  static constexpr std::size_t UsualBlocks = 4;
+  alignas(TExtraData) std::array<std::byte, UsualBlocks*(sizeof(TExtraData) + sizeof(TExtraDataPtr))> FBuffer;
+  std::pmr::monotonic_buffer_resource FBlockMemory{FBuffer.data(), FBuffer.size()};
+  std::pmr::vector<TExtraDataPtr> FExtraData{&FBlockMemory};
 };
 
 }  // namespace varcolin

@@ -7,6 +7,7 @@
 #include "support/uFormat.h"
 #include "support/uGuid.h"
 #include "support/uShellLinkInfo.h"
+#include "support/uText.h"
 
 namespace varcolin {
 namespace {
@@ -69,11 +70,7 @@ bool EndsInside(TBytes ABlock, std::size_t AOffset, bool AIsUnicode) noexcept {
   if (AOffset > ABlock.size()) return false;
   const TBytes text = ABlock.subspan(AOffset);
   if (text.empty()) return true;
-  if (!AIsUnicode) return std::memchr(text.data(), 0, text.size()) != nullptr;
-  for (std::size_t at = 0; at + 1 < text.size(); at += 2) {
-    if (text[at] == std::byte{0} && text[at + 1] == std::byte{0}) return true;
-  }
-  return false;
+  return AIsUnicode ? UnitsToNul(text) < text.size() / 2 : BytesToNul(text).size() < text.size();
 }
 
 /// Takes the part of a section that begins with its own size; nothing when it has not at least AMinimum bytes or

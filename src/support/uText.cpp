@@ -7,6 +7,7 @@
 #include <limits>
 #include <type_traits>
 
+#include "support/uBytes.h"
 #include "support/uUnicodeCase.h"
 
 namespace varcolin {
@@ -89,6 +90,8 @@ bool IsAscii(std::basic_string_view<TUnit> AText) noexcept {
 
 /// As many units as are looked at together.
 constexpr std::size_t UnitsOfWord = sizeof(std::uint64_t) / sizeof(char16_t);
+/// Times a unit: as many of that unit.
+constexpr std::uint64_t InEachUnit = 0x0001'0001'0001'0001;
 
 std::uint64_t WordAt(const char16_t* AUnits) noexcept {
   std::uint64_t word = 0;
@@ -106,7 +109,6 @@ std::size_t SameSteps(const char16_t* AFirst, const char16_t* ASecond, std::size
 
 /// WordAt with its units in upper case.
 std::uint64_t UpperWord(const char16_t* AUnits) noexcept {
-  constexpr std::uint64_t InEachUnit = 0x0001'0001'0001'0001;
   const std::uint64_t word = WordAt(AUnits);
   if ((word & 0xFF80 * InEachUnit) == 0) {
     // ASCII, all at once: bit 7 of a sum tells whether the unit is at least 'a', of the other whether it is above 'z'
@@ -304,15 +306,23 @@ void AssignUtf8(std::u16string& AResult, std::string_view AText) {
 
 std::u16string FromAscii(std::string_view AText) { return {AText.begin(), AText.end()}; }
 
+std::size_t UnitsToNul(std::span<const std::byte> AData) noexcept {
+  constexpr std::uint64_t LowBits = InEachUnit;
+  constexpr std::uint64_t HighBits = 0x8000 * InEachUnit;
+  const std::size_t count = AData.size() / sizeof(char16_t);
+  std::size_t done = 0;
+  for (; done + UnitsOfWord <= count; done += UnitsOfWord) {
+    const auto word = NumberAt<std::uint64_t>(AData, done * sizeof(char16_t));
+    // whether a unit is 0: only such a one borrows from a high bit that it does not have
+    if (((word - LowBits) & ~word & HighBits) != 0) break;
+  }
+  while (done < count && NumberAt<char16_t>(AData, done * sizeof(char16_t)) != 0) ++done;
+  return done;
+}
+
 std::u16string TextFromBytes(std::span<const std::byte> AData) {
-  const auto unitAt = [AData](std::size_t AIndex) {
-    return static_cast<char16_t>(std::to_integer<unsigned>(AData[2 * AIndex]) |
-                                 std::to_integer<unsigned>(AData[2 * AIndex + 1]) << 8);
-  };
-  std::size_t length = 0;
-  while (length < AData.size() / 2 && unitAt(length) != 0) ++length;
-  std::u16string result(length, u'\0');
-  for (std::size_t i = 0; i < length; ++i) result[i] = unitAt(i);
+  std::u16string result(UnitsToNul(AData), u'\0');
+  if (!result.empty()) std::memcpy(result.data(), AData.data(), result.size() * sizeof(char16_t));
   return result;
 }
 

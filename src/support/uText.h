@@ -81,8 +81,9 @@ void AssignUtf8(std::u16string& AResult, std::string_view AText);
   return AText == nullptr ? std::u16string_view{} : std::u16string_view{AText};
 }
 
-/// The whole UTF-16 units (little-endian) of stored bytes, up to the first NUL or their end; an odd last byte is
-/// dropped. This is how a registry string is read whatever its terminator.
+/// How many whole UTF-16 units (little-endian) of stored bytes stand in front of the first NUL or their end.
+[[nodiscard]] std::size_t UnitsToNul(std::span<const std::byte> AData) noexcept;
+/// Those units; an odd last byte is dropped. This is how a registry string is read whatever its terminator.
 [[nodiscard]] std::u16string TextFromBytes(std::span<const std::byte> AData);
 
 }  // namespace varcolin

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <span>
 
 #include "common/LinkBuilder.h"
 #include "contract/TempFolder.h"
@@ -327,7 +328,7 @@ TEST_F(ShellLink, EveryCutAndEveryWrongByteIsReadOrRefused) {
     for (const std::byte wrong : {std::byte{0}, std::byte{0x14}, std::byte{0x7F}, std::byte{0xFF}}) {
       const std::byte right = std::exchange(data[at], wrong);
       try {
-        static_cast<void>(ReadAll(TShellLinkInfo(u"a.lnk", data)));
+        static_cast<void>(ReadAll(TShellLinkInfo(u"a.lnk", std::span<const std::byte>(data))));
       } catch (const TShellLinkInfoException& error) {
         EXPECT_NE(error.Message().find(u"a.lnk"), std::u16string::npos);
       }
@@ -338,13 +339,18 @@ TEST_F(ShellLink, EveryCutAndEveryWrongByteIsReadOrRefused) {
 
 TEST_F(ShellLink, ReadsFilesAndIsEmptyAfterAFailure) {
   testing::TTempFolder folder;
-  const std::u16string good = folder.Write(u"good.LNK", TLinkBuilder().Arguments(u"/a").Build());
+  TLinkBuilder manyBlocks;
+  manyBlocks.Arguments(u"/a");
+  for (int block = 0; block < 20; ++block) manyBlocks.Block(0xA0000009, TBytes(12, std::byte{7}));
+  const std::u16string good = folder.Write(u"good.LNK", manyBlocks.Build());
   const std::u16string bad = folder.Write(u"bad.lnk", TBytes(10));
   TShellLinkInfo link(good);
   EXPECT_EQ(link.Arguments(), u"/a");
   EXPECT_GT(link.LinkFileSize(), 76);
+  ASSERT_EQ(link.ExtraDataCount(), 20U);
+  EXPECT_EQ(link.ExtraData(19).Size(), 20U);
 
-  folder.Write(u"good.LNK", TLinkBuilder().Arguments(u"/b").Build());
+  folder.Write(u"good.LNK", FullLink().Arguments(u"/b").Build());
   link.SetFileName(UpperCase(good));
   EXPECT_EQ(link.Arguments(), u"/a") << "the same name reads nothing again";
 
@@ -354,6 +360,7 @@ TEST_F(ShellLink, ReadsFilesAndIsEmptyAfterAFailure) {
   EXPECT_EQ(link.HeaderInfo().CreationTime(), TShellLinkInfo::MinimumDateTime);
   link.SetFileName(good);
   EXPECT_EQ(link.Arguments(), u"/b");
+  EXPECT_EQ(link.ExtraDataCount(), 3U);
   link.SetFileName(u"");
   EXPECT_TRUE(link.Arguments().empty() && link.FileName().empty());
 

@@ -3,6 +3,11 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <unordered_set>
+#include <vector>
 
 #include "support/uPaths.h"
 #include "support/uText.h"
@@ -93,6 +98,11 @@ TEST(Text, TrimsSplitsAndReadsNumbers) {
 
 TEST(Text, ConvertsToAndFromUtf8) {
   EXPECT_EQ(ToUtf8(u"a\u00E4\u20AC\U0001F600"), "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
+  std::u16string used(30, u'x');
+  AssignUtf8(used, "a\xC3\xA4");
+  EXPECT_EQ(used, u"a\u00E4");
+  AssignUtf8(used, "b");
+  EXPECT_EQ(used, u"b");
   EXPECT_EQ(FromUtf8("a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"), u"a\u00E4\u20AC\U0001F600");
   const std::u16string lone[] = {{0xD800}, {0xDC00}, {0xD800, u'x'}, {0xDC00, 0xD800}};
   const char* const shown[] = {"\xEF\xBF\xBD", "\xEF\xBF\xBD", "\xEF\xBF\xBDx", "\xEF\xBF\xBD\xEF\xBF\xBD"};
@@ -125,6 +135,36 @@ TEST(Text, ReadsStoredStringsWhateverTheirTerminator) {
   EXPECT_EQ(TextFromBytes(BytesOf({0x41, 0, 0x42})), u"A");
   EXPECT_EQ(TextFromBytes(BytesOf({0x41, 0, 0, 0, 0x42, 0})), u"A");
   EXPECT_EQ(TextFromBytes(BytesOf({0, 0xD8})), std::u16string(1, 0xD800));
+  // wherever it ends, whatever stands beside the end, and wherever in memory that is
+  for (const char16_t unit : {u'a', u'\x80', u'\u0100', u'\u8000', u'\uFF00', u'\uFFFF', u'\u0001'}) {
+    for (std::size_t length = 0; length < 10; ++length) {
+      std::u16string text(length, unit);
+      text.append(1, u'\0').append(9, unit);
+      std::vector<std::byte> bytes(1);
+      bytes.insert(bytes.end(), std::as_bytes(std::span(text)).begin(), std::as_bytes(std::span(text)).end());
+      EXPECT_EQ(TextFromBytes(std::span(bytes).subspan(1)), text.substr(0, length));
+      EXPECT_EQ(UnitsToNul(std::span(bytes).subspan(1, 2 * length)), length) << "the bytes end before it";
+    }
+  }
+}
+
+TEST(Text, HashesAreThoseOfTheUpperCase) {
+  for (std::uint32_t code = 1; code < 0x10000; ++code) {
+    std::u16string text = u"aB\u00E4Cd_fGh";
+    text[code % text.size()] = static_cast<char16_t>(code);
+    ASSERT_EQ(HashText(text), HashText(UpperCase(text))) << code;
+  }
+  // names that differ in one unit, wherever it stands
+  std::unordered_set<std::uint16_t> ends;
+  const std::u16string name = u"Package_1_for_KB2000000~amd64~~6.1";
+  for (std::size_t at = 0; at < name.size(); ++at) {
+    for (char16_t unit = u'0'; unit <= u'9'; ++unit) {
+      std::u16string changed = name;
+      changed[at] = unit;
+      if (changed != name) ends.insert(static_cast<std::uint16_t>(HashText(changed)));
+    }
+  }
+  EXPECT_GT(ends.size(), 320U) << "the low bits tell nearly all of the some 330 apart";
 }
 
 TEST(Text, TakesPathsApart) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "platform/simulated/AnsiText.h"
@@ -13,16 +14,8 @@ namespace {
 
 using TBytes = std::span<const std::byte>;
 
-/// The ANSI text at the beginning of AData, up to its NUL.
-std::u16string AnsiText(TBytes AData) {
-  const TBytes text = AData.first(static_cast<std::size_t>(std::ranges::find(AData, std::byte{0}) - AData.begin()));
-  std::u16string result(text.size(), u'\0');
-  std::ranges::transform(text, result.begin(), FromAnsi);
-  return result;
-}
-
 /// The long name of a file item's extension block; empty when there is none.
-std::u16string LongName(TBytes AItem) {
+TItemName LongName(TBytes AItem) noexcept {
   constexpr std::uint32_t Signature = 0xBEEF0004;
   // the last word of the item tells where its first extension block begins
   const std::size_t at = NumberAt<std::uint16_t>(AItem, AItem.size() - sizeof(std::uint16_t));
@@ -31,49 +24,73 @@ std::u16string LongName(TBytes AItem) {
   const auto version = NumberAt<std::uint16_t>(block, 2);
   if (version < 3) return {};
   const std::size_t name = version >= 9 ? 46 : version >= 8 ? 42 : version >= 7 ? 38 : 20;
-  return TextFromBytes(BytesFrom(block, name));
+  return TItemName::Unicode(BytesFrom(block, name));
 }
 
-TShellItem DecodeItem(TBytes AItem) {
+/// Fills in a new AResult.
+void Decode(TBytes AItem, TShellItem& AResult) noexcept {
   constexpr std::uint8_t UnicodeName = 0x04;
   const auto type = NumberAt<std::uint8_t>(AItem, 2);
-  TShellItem item;
   switch (type & 0x70) {
     case 0x10:
     case 0x70:
       if (type != 0x1F && type != 0x71) break;
-      item.Kind = EShellItem::Guid;
-      item.Guid = NumberAt<TGUID>(AItem, type == 0x1F ? 4 : 14);
+      AResult.Kind = EShellItem::Guid;
+      AResult.Guid = NumberAt<TGUID>(AItem, type == 0x1F ? 4 : 14);
       break;
     case 0x20:
       if (type == 0x2E) {
-        item.Kind = EShellItem::Guid;
-        item.Guid = NumberAt<TGUID>(AItem, 4);
+        AResult.Kind = EShellItem::Guid;
+        AResult.Guid = NumberAt<TGUID>(AItem, 4);
       } else {
-        item.Kind = EShellItem::Drive;
-        item.Name = AnsiText(BytesFrom(AItem, 3));
+        AResult.Kind = EShellItem::Drive;
+        AResult.Name = TItemName::Ansi(BytesFrom(AItem, 3));
       }
       break;
     case 0x30: {
       const TBytes name = BytesFrom(AItem, 14);
-      item.Kind = EShellItem::File;
-      item.Name = LongName(AItem);
-      if (item.Name.empty()) item.Name = (type & UnicodeName) != 0 ? TextFromBytes(name) : AnsiText(name);
+      AResult.Kind = EShellItem::File;
+      AResult.Name = LongName(AItem);
+      if (AResult.Name.IsEmpty()) {
+        AResult.Name = (type & UnicodeName) != 0 ? TItemName::Unicode(name) : TItemName::Ansi(name);
+      }
       break;
     }
     case 0x40:
-      item.Kind = EShellItem::Network;
-      item.Name = AnsiText(BytesFrom(AItem, 5));
+      AResult.Kind = EShellItem::Network;
+      AResult.Name = TItemName::Ansi(BytesFrom(AItem, 5));
       break;
     default:
       break;
   }
   // a nameless item leads nowhere
-  if (item.Kind != EShellItem::Guid && item.Name.empty()) item.Kind = EShellItem::Unknown;
-  return item;
+  if (AResult.Kind != EShellItem::Guid && AResult.Name.IsEmpty()) AResult.Kind = EShellItem::Unknown;
 }
 
 }  // namespace
+
+TItemName TItemName::Ansi(TBytes AText) noexcept { return {BytesToNul(AText), false}; }
+
+TItemName TItemName::Unicode(TBytes AText) noexcept {
+  return {AText.first(UnitsToNul(AText) * sizeof(char16_t)), true};
+}
+
+void TItemName::AppendTo(std::u16string& AResult) const {
+  const std::size_t from = AResult.size();
+  AResult.resize(from + Length());
+  if (IsEmpty()) return;
+  if (FIsUnicode) {
+    std::memcpy(AResult.data() + from, FText.data(), FText.size());
+  } else {
+    std::ranges::transform(FText, AResult.data() + from, FromAnsi);
+  }
+}
+
+std::u16string TItemName::Text() const {
+  std::u16string result;
+  AppendTo(result);
+  return result;
+}
 
 bool DecodeIDList(TBytes AIDList, std::vector<TShellItem>& AItems) {
   constexpr std::size_t UsualDepth = 8;
@@ -83,7 +100,7 @@ bool DecodeIDList(TBytes AIDList, std::vector<TShellItem>& AItems) {
     const std::size_t size = NumberAt<std::uint16_t>(AIDList, 0);
     if (size == 0) break;
     if (size <= sizeof(std::uint16_t) || size > AIDList.size()) return false;
-    items.push_back(DecodeItem(AIDList.first(size)));
+    Decode(AIDList.first(size), items.emplace_back());
     AIDList = AIDList.subspan(size);
   }
   AItems = std::move(items);

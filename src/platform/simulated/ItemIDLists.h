@@ -18,15 +18,34 @@ enum class EShellItem {
   Unknown,
 };
 
+/// The name of an item, up to its NUL: a view of the list's bytes.
+class TItemName {
+ public:
+  TItemName() = default;
+  [[nodiscard]] static TItemName Ansi(std::span<const std::byte> AText) noexcept;
+  [[nodiscard]] static TItemName Unicode(std::span<const std::byte> AText) noexcept;
+
+  [[nodiscard]] bool IsEmpty() const noexcept { return FText.empty(); }
+  [[nodiscard]] std::size_t Length() const noexcept { return FIsUnicode ? FText.size() / 2 : FText.size(); }
+  void AppendTo(std::u16string& AResult) const;
+  [[nodiscard]] std::u16string Text() const;
+
+ private:
+  TItemName(std::span<const std::byte> AText, bool AIsUnicode) noexcept : FText(AText), FIsUnicode(AIsUnicode) {}
+
+  std::span<const std::byte> FText;
+  bool FIsUnicode = false;
+};
+
 /// One item of a list.
 struct TShellItem {
   EShellItem Kind = EShellItem::Unknown;
-  std::u16string Name;
+  TItemName Name;
   TGUID Guid{};
 };
 
-/// The items of a list, whose terminator may be missing. False when an item reaches past the end of the bytes or is
-/// shorter than its own length field.
+/// The items of a list, whose terminator may be missing, as views of its bytes. False when an item reaches past the end
+/// of the bytes or is shorter than its own length field.
 [[nodiscard]] bool DecodeIDList(std::span<const std::byte> AIDList, std::vector<TShellItem>& AItems);
 
 }  // namespace varcolin

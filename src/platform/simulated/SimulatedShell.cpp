@@ -116,10 +116,10 @@ TWinError TSimulatedShell::GetParsingName(std::span<const TShellItem> AItems, st
   } else if (const std::optional<std::int32_t> folder = FolderOf(*(item - 1))) {
     if (const TWinError error = GetSpecialFolder(*folder, path); error != WinError::Success) return error;
   } else {
-    path = (item - 1)->Name;
+    --item;
   }
   std::size_t length = path.size();
-  for (auto rest = item; rest != AItems.end(); ++rest) length += rest->Name.size() + 1;
+  for (auto rest = item; rest != AItems.end(); ++rest) length += rest->Name.Length() + 1;
   path.reserve(length);
   bool isPlace = false;
   for (; item != AItems.end(); ++item) {
@@ -129,8 +129,8 @@ TWinError TSimulatedShell::GetParsingName(std::span<const TShellItem> AItems, st
       isPlace = true;
     } else {
       if (isPlace) return WinError::NotSupported;  // what lies there, the simulator does not know
-      if (!path.ends_with(u'\\')) path += u'\\';
-      path += item->Name;
+      if (!path.empty() && !path.ends_with(u'\\')) path += u'\\';
+      item->Name.AppendTo(path);
     }
   }
   AName = std::move(path);
@@ -149,11 +149,11 @@ TWinError TSimulatedShell::GetNameInFolder(std::span<const TShellItem> AItems, s
                                          : u"::" + GuidToText(item.Guid);
       return WinError::Success;
     case EShellItem::Drive:
-      AName = u"Local Disk (" + std::u16string(ExcludeTrailingPathDelimiter(item.Name)) + u")";
+      AName = u"Local Disk (" + std::u16string(ExcludeTrailingPathDelimiter(item.Name.Text())) + u")";
       return WinError::Success;
     case EShellItem::Network:
     case EShellItem::File:
-      AName = ExtractFileName(ExcludeTrailingPathDelimiter(item.Name));
+      AName = ExtractFileName(ExcludeTrailingPathDelimiter(item.Name.Text()));
       return WinError::Success;
     case EShellItem::Unknown:
       break;
