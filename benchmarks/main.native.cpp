@@ -167,7 +167,6 @@ class TServicedMachine {
       }
       registry.SetDwordAt(key + u"\\Owners", code, 0x70);
     }
-    machine.Registry().ClearChanges();
   }
 
   /// Lists the updates once from nothing and gives the time of it.
@@ -268,9 +267,13 @@ double RegistryTextLoad() {
   const TTemporaryFile file(ExportOf(TUninstallKeys(Programs)));
   const auto load = [&] {
     TSimulatedMachine machine;
+    BeginCold();
     return SecondsOf([&] { LoadRegistryText(file.Read(), "export.reg", machine.Registry()); });
   };
-  const auto read = [&] { return SecondsOf([&] { static_cast<void>(file.Read()); }); };
+  const auto read = [&] {
+    BeginCold();
+    return SecondsOf([&] { static_cast<void>(file.Read()); });
+  };
   return RatioOfMedians(Rounds, load, read);
 }
 

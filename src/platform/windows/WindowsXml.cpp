@@ -5,6 +5,7 @@
 
 #include "intf/intf_Base.h"
 #include "platform/windows/WindowsApi.h"
+#include "support/uText.h"
 // It needs the declarations of windows.h in front of it.
 #include <msxml2.h>
 
