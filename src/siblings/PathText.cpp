@@ -74,7 +74,7 @@ std::u16string NormalizePathText(std::u16string_view APath) {
     if (i > 0) result += Delimiter;
     result += components[i];
   }
-  if (components.empty() && !rest.empty() && result.empty()) result = u".";
+  if (components.empty() && !rest.empty() && result.empty()) result += u'.';
   if (rest.ends_with(Delimiter) && !result.ends_with(Delimiter)) result += Delimiter;
   return result;
 }
