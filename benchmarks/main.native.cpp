@@ -46,6 +46,28 @@ void BeginCold() {
   if (std::ranges::count(sweep, std::byte{1}) != std::ssize(sweep)) throw std::logic_error("memory does not hold");
 }
 
+/// Keeps this thread, and the programs that it starts, on one processor while the object lives: both sides of a
+/// comparison then have the same one, and neither pays for moving.
+class TOneProcessor {
+ public:
+  TOneProcessor() {
+    if (::sched_getaffinity(0, sizeof FAll, &FAll) != 0) return;
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(::sched_getcpu(), &one);
+    FIsSet = ::sched_setaffinity(0, sizeof one, &one) == 0;
+  }
+  TOneProcessor(const TOneProcessor&) = delete;
+  TOneProcessor& operator=(const TOneProcessor&) = delete;
+  ~TOneProcessor() {
+    if (FIsSet) ::sched_setaffinity(0, sizeof FAll, &FAll);
+  }
+
+ private:
+  cpu_set_t FAll{};
+  bool FIsSet = false;
+};
+
 /// A machine with the uninstall keys of a number of programs.
 class TFilledMachine {
  public:
@@ -96,9 +118,10 @@ double DiscoveryCalls() {
 
 /// The time of 50,000 programs against that of ten times 5,000.
 double DiscoveryGrowth() {
-  constexpr int Rounds = 9;
+  constexpr int Rounds = 13;
   constexpr std::size_t Smaller = 5'000;
   constexpr int Factor = 10;
+  const TOneProcessor processor;
   std::unique_ptr<TFilledMachine> machine;
   // one machine at a time has the suite installed, so both are made anew in each round
   const auto secondsOf = [&](std::size_t APrograms) {
@@ -323,28 +346,6 @@ double LinkParse() {
   return RatioOfMedians(
       Rounds, [&] { return files.ParseSeconds(); }, [&] { return files.ReadSeconds(); });
 }
-
-/// Keeps this thread, and the programs that it starts, on one processor while the object lives: both sides of a
-/// comparison then have the same one, and neither pays for moving.
-class TOneProcessor {
- public:
-  TOneProcessor() {
-    if (::sched_getaffinity(0, sizeof FAll, &FAll) != 0) return;
-    cpu_set_t one;
-    CPU_ZERO(&one);
-    CPU_SET(::sched_getcpu(), &one);
-    FIsSet = ::sched_setaffinity(0, sizeof one, &one) == 0;
-  }
-  TOneProcessor(const TOneProcessor&) = delete;
-  TOneProcessor& operator=(const TOneProcessor&) = delete;
-  ~TOneProcessor() {
-    if (FIsSet) ::sched_setaffinity(0, sizeof FAll, &FAll);
-  }
-
- private:
-  cpu_set_t FAll{};
-  bool FIsSet = false;
-};
 
 double LinkParseLiblnk() {
   constexpr int Rounds = 15;
