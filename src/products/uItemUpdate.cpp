@@ -1,6 +1,7 @@
 #include "products/uItemUpdate.h"
 
 #include <string>
+#include <utility>
 
 #include "products/uItemProgram.h"
 #include "services/uDLLGlobals.h"

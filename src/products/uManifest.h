@@ -42,6 +42,7 @@ class TManifestReader {
  private:
   [[nodiscard]] std::optional<std::u16string_view> Attribute(const IXmlCursor& AElement, TXmlName AName);
   [[nodiscard]] std::u16string_view TextOf(const IXmlCursor& AElement, TXmlName AName);
+  /// Takes the names from the "update" elements below the package at which the cursor is, and comes back there.
   void ReadContainedNames(IXmlCursor& ACursor, std::vector<std::u16string_view>& ANames);
 
   IXml& FXml;

@@ -1,7 +1,6 @@
 #include "support/uShellLinkParts.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "platform/Shell.h"
 #include "support/uFormat.h"

@@ -307,14 +307,13 @@ void AssignUtf8(std::u16string& AResult, std::string_view AText) {
 std::u16string FromAscii(std::string_view AText) { return {AText.begin(), AText.end()}; }
 
 std::size_t UnitsToNul(std::span<const std::byte> AData) noexcept {
-  constexpr std::uint64_t LowBits = InEachUnit;
   constexpr std::uint64_t HighBits = 0x8000 * InEachUnit;
   const std::size_t count = AData.size() / sizeof(char16_t);
   std::size_t done = 0;
   for (; done + UnitsOfWord <= count; done += UnitsOfWord) {
     const auto word = NumberAt<std::uint64_t>(AData, done * sizeof(char16_t));
     // whether a unit is 0: only such a one borrows from a high bit that it does not have
-    if (((word - LowBits) & ~word & HighBits) != 0) break;
+    if (((word - InEachUnit) & ~word & HighBits) != 0) break;
   }
   while (done < count && NumberAt<char16_t>(AData, done * sizeof(char16_t)) != 0) ++done;
   return done;

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <memory>
 
+#include "support/uBytes.h"
+
 namespace varcolin {
 
 namespace {
@@ -38,8 +40,7 @@ using TItemIDList = TTaskMemory<ITEMIDLIST>;
 
 /// The ANSI text that begins at an offset of a field and ends at its NUL, or with the field.
 [[nodiscard]] TWinError ReadAnsiField(std::span<const std::byte> AField, std::size_t AOffset, std::u16string& AText) {
-  const auto text = AField.subspan(std::min(AOffset, AField.size()));
-  return ReadAnsi({text.begin(), std::ranges::find(text, std::byte{0})}, AText);
+  return ReadAnsi(BytesToNul(BytesFrom(AField, AOffset)), AText);
 }
 
 }  // namespace
