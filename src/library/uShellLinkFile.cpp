@@ -197,13 +197,13 @@ TShellLinkFile::TSection TShellLinkFile::DescribeBlock(const TExtraData& ABlock)
     case TExtraDataType::edtEnvironmentProps:
     case TExtraDataType::edtDarwinProps:
     case TExtraDataType::edtIconEnvironmentPros: {
-      const auto& text = static_cast<const TExtraDataStringProps&>(ABlock);
+      const TExtraDataStringProps text(ABlock);
       add(u"DataAnsi", text.DataAnsi());
       add(u"DataUnicode", text.DataUnicode());
       break;
     }
     case TExtraDataType::edtConsoleProps: {
-      const auto& console = static_cast<const TExtraConsoleProps&>(ABlock);
+      const TExtraConsoleProps console(ABlock);
       add(u"FillAttributes", console.FillAttributes());
       add(u"PopupFillAttributes", console.PopupFillAttributes());
       add(u"ScreenBufferSizeX", console.ScreenBufferSizeX());
@@ -226,22 +226,22 @@ TShellLinkFile::TSection TShellLinkFile::DescribeBlock(const TExtraData& ABlock)
       break;
     }
     case TExtraDataType::edtConsoleFEProps:
-      add(u"CodePage", static_cast<const TExtraConsoleFEProps&>(ABlock).CodePage());
+      add(u"CodePage", TExtraConsoleFEProps(ABlock).CodePage());
       break;
     case TExtraDataType::edtSpecialFolderProps: {
-      const auto& folder = static_cast<const TExtraSpecialFolderProps&>(ABlock);
+      const TExtraSpecialFolderProps folder(ABlock);
       add(u"SpecialFolderID", folder.SpecialFolderID());
       add(u"Offset", folder.Offset());
       break;
     }
     case TExtraDataType::edtKnowFolderProps: {
-      const auto& folder = static_cast<const TExtraKnowFolderProps&>(ABlock);
+      const TExtraKnowFolderProps folder(ABlock);
       add(u"KnownFolderID", GuidToText(folder.KnownFolderID()));
       add(u"Offset", folder.Offset());
       break;
     }
     case TExtraDataType::edtTrackerProps: {
-      const auto& tracker = static_cast<const TExtraTrackerProps&>(ABlock);
+      const TExtraTrackerProps tracker(ABlock);
       add(u"Version", tracker.Version());
       add(u"MachineID", tracker.MachineID());
       add(u"Droid1", GuidToText(tracker.Droid1()));

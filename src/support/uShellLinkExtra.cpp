@@ -8,62 +8,36 @@
 namespace varcolin {
 namespace {
 
-using TMake = TExtraDataPtr (*)(const TShellLinkInfo&, std::uint32_t, std::uint32_t, TExtraDataType,
-                                std::pmr::memory_resource&);
-
-template <class TBlock>
-TExtraDataPtr Make(const TShellLinkInfo& AOwner, std::uint32_t ASize, std::uint32_t ASign, TExtraDataType AType,
-                   std::pmr::memory_resource& AMemory) {
-  void* const place = AMemory.allocate(sizeof(TBlock), alignof(TBlock));
-  return TExtraDataPtr(::new (place) TBlock(AOwner, ASize, ASign, AType));
-}
-
 struct TBlockKind {
-  std::uint32_t Signature;
   TExtraDataType Type;
-  std::uint32_t Size;  // 0: any
-  TMake Make;
+  std::uint32_t Size = 0;  // 0: any
 };
 
-template <class TBlock>
-constexpr TBlockKind Typed(std::uint32_t ASignature, TExtraDataType AType) {
-  return {ASignature, AType, TBlock::BlockSize, &Make<TBlock>};
-}
-constexpr TBlockKind Kept(std::uint32_t ASignature, TExtraDataType AType) {
-  return {ASignature, AType, 0, &Make<TExtraData>};
-}
-
+/// The kinds of blocks by their signatures, from FirstSignature on.
+constexpr std::uint32_t FirstSignature = 0xA0000001;
 constexpr TBlockKind BlockKinds[] = {
-    Typed<TExtraDataStringProps>(0xA0000001, TExtraDataType::edtEnvironmentProps),
-    Typed<TExtraConsoleProps>(0xA0000002, TExtraDataType::edtConsoleProps),
-    Typed<TExtraTrackerProps>(0xA0000003, TExtraDataType::edtTrackerProps),
-    Typed<TExtraConsoleFEProps>(0xA0000004, TExtraDataType::edtConsoleFEProps),
-    Typed<TExtraSpecialFolderProps>(0xA0000005, TExtraDataType::edtSpecialFolderProps),
-    Typed<TExtraDataStringProps>(0xA0000006, TExtraDataType::edtDarwinProps),
-    Typed<TExtraDataStringProps>(0xA0000007, TExtraDataType::edtIconEnvironmentPros),
-    Kept(0xA0000008, TExtraDataType::edtShimProps),
-    Kept(0xA0000009, TExtraDataType::edtPropertyStoreProps),
-    Typed<TExtraKnowFolderProps>(0xA000000B, TExtraDataType::edtKnowFolderProps),
-    Kept(0xA000000C, TExtraDataType::edtVistaAndAboveIDListProps),
+    {TExtraDataType::edtEnvironmentProps, TExtraDataStringProps::BlockSize},
+    {TExtraDataType::edtConsoleProps, TExtraConsoleProps::BlockSize},
+    {TExtraDataType::edtTrackerProps, TExtraTrackerProps::BlockSize},
+    {TExtraDataType::edtConsoleFEProps, TExtraConsoleFEProps::BlockSize},
+    {TExtraDataType::edtSpecialFolderProps, TExtraSpecialFolderProps::BlockSize},
+    {TExtraDataType::edtDarwinProps, TExtraDataStringProps::BlockSize},
+    {TExtraDataType::edtIconEnvironmentPros, TExtraDataStringProps::BlockSize},
+    {TExtraDataType::edtShimProps},
+    {TExtraDataType::edtPropertyStoreProps},
+    {TExtraDataType::edtUnknown},
+    {TExtraDataType::edtKnowFolderProps, TExtraKnowFolderProps::BlockSize},
+    {TExtraDataType::edtVistaAndAboveIDListProps},
 };
 
 }  // namespace
 
-void TEndExtraData::operator()(TExtraData* ABlock) const noexcept { std::destroy_at(ABlock); }
-
-TExtraDataPtr TExtraData::CreateExtraData(const TShellLinkInfo& AOwner, std::uint32_t ASize, std::uint32_t ASign,
-                                          std::pmr::memory_resource& AMemory) {
-  const TBlockKind* const kind = std::ranges::find(BlockKinds, ASign, &TBlockKind::Signature);
-  if (kind == std::end(BlockKinds)) {
-    return Make<TExtraData>(AOwner, ASize, ASign, TExtraDataType::edtUnknown, AMemory);
-  }
-  if (kind->Size != 0 && kind->Size != ASize) TShellLinkReader::FailFormat(AOwner.FileName());
-  return kind->Make(AOwner, ASize, ASign, kind->Type, AMemory);
-}
-
-void TExtraData::ReadBody(TShellLinkReader& AReader) {
+TExtraData TExtraData::CreateExtraData(TShellLinkReader& AReader, std::uint32_t ASize, std::uint32_t ASign) {
+  const std::size_t index = ASign - FirstSignature;  // that of a smaller signature wraps to none
+  const TBlockKind kind = index < std::size(BlockKinds) ? BlockKinds[index] : TBlockKind{TExtraDataType::edtUnknown};
+  if (kind.Size != 0 && kind.Size != ASize) AReader.FailFormat();
   // a size too small for the header wraps to one that no file has
-  FExtraData = AReader.Take(FSize - static_cast<std::uint32_t>(HeaderSize));
+  return {ASize, ASign, kind.Type, AReader.Take(ASize - static_cast<std::uint32_t>(HeaderSize))};
 }
 
 template <class T>

@@ -4,8 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <memory_resource>
 #include <span>
 #include <string>
 
@@ -13,7 +11,6 @@
 
 namespace varcolin {
 
-class TShellLinkInfo;
 class TShellLinkReader;
 
 enum class TExtraDataType : std::uint8_t {
@@ -31,28 +28,13 @@ enum class TExtraDataType : std::uint8_t {
   edtVistaAndAboveIDListProps,
 };
 
-class TExtraData;
-/// Ends a block whose memory goes with that of all blocks of its file.
-struct TEndExtraData {
-  void operator()(TExtraData* ABlock) const noexcept;
-};
-using TExtraDataPtr = std::unique_ptr<TExtraData, TEndExtraData>;
-
-/// A block; as such the class of the blocks whose body is only kept.
+/// A block: a view of its body, to be had and passed on by value. The classes below read the fields of the types that
+/// have some, and are made of a block of such a type.
 class TExtraData {
  public:
-  TExtraData(const TShellLinkInfo& AOwner, std::uint32_t ASize, std::uint32_t ASign, TExtraDataType ADataType) noexcept
-      : FOwner(AOwner), FSize(ASize), FSignature(ASign), FDataType(ADataType) {}
-  TExtraData(const TExtraData&) = delete;
-  TExtraData& operator=(const TExtraData&) = delete;
-  virtual ~TExtraData() = default;
-
-  /// A new block in AMemory, still without its body, of the class that the signature stands for. Raises
-  /// TShellLinkInfoException when that class has blocks of another size only.
-  [[nodiscard]] static TExtraDataPtr CreateExtraData(const TShellLinkInfo& AOwner, std::uint32_t ASize,
-                                                     std::uint32_t ASign, std::pmr::memory_resource& AMemory);
-  /// Takes the body from the file.
-  void ReadBody(TShellLinkReader& AReader);
+  /// The block of ASize bytes whose body comes next in the file. Raises TShellLinkInfoException when the file has fewer
+  /// bytes, or the signature stands for a type that has blocks of another size only.
+  [[nodiscard]] static TExtraData CreateExtraData(TShellLinkReader& AReader, std::uint32_t ASize, std::uint32_t ASign);
 
   [[nodiscard]] TExtraDataType DataType() const noexcept { return FDataType; }
   /// Size of the block with its size and signature, in bytes.
@@ -69,7 +51,10 @@ class TExtraData {
   [[nodiscard]] std::u16string TextAt(std::size_t AOffset, std::size_t ASize, bool AIsUnicode) const;
 
  private:
-  const TShellLinkInfo& FOwner;
+  TExtraData(std::uint32_t ASize, std::uint32_t ASign, TExtraDataType ADataType,
+             std::span<const std::byte> AExtraData) noexcept
+      : FSize(ASize), FSignature(ASign), FDataType(ADataType), FExtraData(AExtraData) {}
+
   std::uint32_t FSize;
   std::uint32_t FSignature;
   TExtraDataType FDataType;
@@ -80,7 +65,7 @@ class TExtraData {
 class TExtraDataStringProps final : public TExtraData {
  public:
   static constexpr std::uint32_t BlockSize = 788;
-  using TExtraData::TExtraData;
+  explicit TExtraDataStringProps(const TExtraData& ABlock) noexcept : TExtraData(ABlock) {}
   [[nodiscard]] std::u16string DataAnsi() const { return TextAt(8, 260, false); }
   [[nodiscard]] std::u16string DataUnicode() const { return TextAt(268, 520, true); }
   /// The Unicode form, or the ANSI form when that is empty.
@@ -92,7 +77,7 @@ class TExtraConsoleProps final : public TExtraData {
  public:
   static constexpr std::uint32_t BlockSize = 204;
   static constexpr std::size_t ColorCount = 16;
-  using TExtraData::TExtraData;
+  explicit TExtraConsoleProps(const TExtraData& ABlock) noexcept : TExtraData(ABlock) {}
   [[nodiscard]] std::uint16_t FillAttributes() const noexcept;
   [[nodiscard]] std::uint16_t PopupFillAttributes() const noexcept;
   [[nodiscard]] std::int16_t ScreenBufferSizeX() const noexcept;
@@ -120,7 +105,7 @@ class TExtraConsoleProps final : public TExtraData {
 class TExtraConsoleFEProps final : public TExtraData {
  public:
   static constexpr std::uint32_t BlockSize = 12;
-  using TExtraData::TExtraData;
+  explicit TExtraConsoleFEProps(const TExtraData& ABlock) noexcept : TExtraData(ABlock) {}
   [[nodiscard]] std::uint32_t CodePage() const noexcept;
 };
 
@@ -128,7 +113,7 @@ class TExtraConsoleFEProps final : public TExtraData {
 class TExtraSpecialFolderProps final : public TExtraData {
  public:
   static constexpr std::uint32_t BlockSize = 16;
-  using TExtraData::TExtraData;
+  explicit TExtraSpecialFolderProps(const TExtraData& ABlock) noexcept : TExtraData(ABlock) {}
   [[nodiscard]] std::uint32_t SpecialFolderID() const noexcept;
   /// Where in the item ID list the first item below that folder begins, in bytes.
   [[nodiscard]] std::uint32_t Offset() const noexcept;
@@ -138,7 +123,7 @@ class TExtraSpecialFolderProps final : public TExtraData {
 class TExtraKnowFolderProps final : public TExtraData {
  public:
   static constexpr std::uint32_t BlockSize = 28;
-  using TExtraData::TExtraData;
+  explicit TExtraKnowFolderProps(const TExtraData& ABlock) noexcept : TExtraData(ABlock) {}
   [[nodiscard]] TGUID KnownFolderID() const noexcept;
   [[nodiscard]] std::uint32_t Offset() const noexcept;
 };
@@ -147,7 +132,7 @@ class TExtraKnowFolderProps final : public TExtraData {
 class TExtraTrackerProps final : public TExtraData {
  public:
   static constexpr std::uint32_t BlockSize = 96;
-  using TExtraData::TExtraData;
+  explicit TExtraTrackerProps(const TExtraData& ABlock) noexcept : TExtraData(ABlock) {}
   [[nodiscard]] std::uint32_t Length() const noexcept;
   [[nodiscard]] std::uint32_t Version() const noexcept;
   [[nodiscard]] std::u16string MachineID() const { return TextAt(16, 16, false); }

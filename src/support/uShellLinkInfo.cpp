@@ -1,6 +1,7 @@
 #include "support/uShellLinkInfo.h"
 
 #include <algorithm>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -83,8 +84,7 @@ void TShellLinkInfo::SetFileName(std::u16string_view AFileName) {
 }
 
 void TShellLinkInfo::Clear() noexcept {
-  FExtraData = std::pmr::vector<TExtraDataPtr>(&FBlockMemory);
-  FBlockMemory.release();
+  FExtraData.clear();
   FStringData.Clear();
   FLinkInfo.Clear();
   FLinkTargetIDList.Clear();
@@ -126,25 +126,24 @@ void TShellLinkInfo::LoadData() {
 
 void TShellLinkInfo::ReadExtraData(TShellLinkReader& AReader) {
   constexpr std::uint32_t smallestBlock = 4;
-  FExtraData.reserve(UsualBlocks);
+  constexpr std::size_t usualBlocks = 4;
+  FExtraData.reserve(usualBlocks);
   for (;;) {
     const auto size = AReader.TakeNumber<std::uint32_t>();
     if (size < smallestBlock) return;
     const auto signature = AReader.TakeNumber<std::uint32_t>();
-    TExtraDataPtr block = TExtraData::CreateExtraData(*this, size, signature, FBlockMemory);
-    block->ReadBody(AReader);
-    FExtraData.push_back(std::move(block));
+    FExtraData.push_back(TExtraData::CreateExtraData(AReader, size, signature));
   }
 }
 
 const TExtraData* TShellLinkInfo::ExtraDataByType(TExtraDataType AType) const noexcept {
-  const auto found = std::ranges::find(FExtraData, AType, [](const auto& ABlock) { return ABlock->DataType(); });
-  return found == FExtraData.end() ? nullptr : found->get();
+  const auto found = std::ranges::find(FExtraData, AType, &TExtraData::DataType);
+  return found == FExtraData.end() ? nullptr : &*found;
 }
 
 std::u16string TShellLinkInfo::StringProps(TExtraDataType AType) const {
-  const auto* const block = static_cast<const TExtraDataStringProps*>(ExtraDataByType(AType));
-  return block == nullptr ? std::u16string{} : block->Data();
+  const TExtraData* const block = ExtraDataByType(AType);
+  return block == nullptr ? std::u16string{} : TExtraDataStringProps(*block).Data();
 }
 
 std::u16string TShellLinkInfo::PathName() const {

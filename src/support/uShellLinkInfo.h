@@ -2,10 +2,8 @@
 // them.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory_resource>
 #include <span>
 #include <string>
 #include <string_view>
@@ -60,7 +58,7 @@ class TShellLinkInfo {
   [[nodiscard]] const TStringData& StringData() const noexcept { return FStringData; }
   [[nodiscard]] std::size_t ExtraDataCount() const noexcept { return FExtraData.size(); }
   /// The block at a position of the file's order, which must be below the count.
-  [[nodiscard]] const TExtraData& ExtraData(std::size_t AIndex) const { return *FExtraData.at(AIndex); }
+  [[nodiscard]] const TExtraData& ExtraData(std::size_t AIndex) const { return FExtraData.at(AIndex); }
   /// The first block of a type; null when there is none.
   [[nodiscard]] const TExtraData* ExtraDataByType(TExtraDataType AType) const noexcept;
 
@@ -106,11 +104,7 @@ class TShellLinkInfo {
   TLinkTargetIDList FLinkTargetIDList{*this};
   TLinkInfo FLinkInfo{*this};
   TStringData FStringData{*this};
-  // the usual few blocks lie in the object itself
-  static constexpr std::size_t UsualBlocks = 4;
-  alignas(TExtraData) std::array<std::byte, UsualBlocks*(sizeof(TExtraData) + sizeof(TExtraDataPtr))> FBuffer;
-  std::pmr::monotonic_buffer_resource FBlockMemory{FBuffer.data(), FBuffer.size()};
-  std::pmr::vector<TExtraDataPtr> FExtraData{&FBlockMemory};
+  std::vector<TExtraData> FExtraData;
 };
 
 }  // namespace varcolin

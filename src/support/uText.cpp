@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -308,12 +309,14 @@ std::u16string FromAscii(std::string_view AText) { return {AText.begin(), AText.
 
 std::size_t UnitsToNul(std::span<const std::byte> AData) noexcept {
   constexpr std::uint64_t HighBits = 0x8000 * InEachUnit;
+  constexpr std::size_t BitsOfUnit = 16;
   const std::size_t count = AData.size() / sizeof(char16_t);
   std::size_t done = 0;
   for (; done + UnitsOfWord <= count; done += UnitsOfWord) {
     const auto word = NumberAt<std::uint64_t>(AData, done * sizeof(char16_t));
-    // whether a unit is 0: only such a one borrows from a high bit that it does not have
-    if (((word - InEachUnit) & ~word & HighBits) != 0) break;
+    // only a unit that is 0, or one behind it, borrows from a high bit that it does not have
+    const std::uint64_t borrows = (word - InEachUnit) & ~word & HighBits;
+    if (borrows != 0) return done + static_cast<std::size_t>(std::countr_zero(borrows)) / BitsOfUnit;
   }
   while (done < count && NumberAt<char16_t>(AData, done * sizeof(char16_t)) != 0) ++done;
   return done;

@@ -121,7 +121,7 @@ TEST_F(ShellLink, SaysAllThatIsInIt) {
   EXPECT_EQ(link.ExtraData(2).Size(), 41U);
   const TExtraData* const codePage = link.ExtraDataByType(TExtraDataType::edtConsoleFEProps);
   ASSERT_EQ(codePage, &link.ExtraData(1));
-  EXPECT_EQ(static_cast<const TExtraConsoleFEProps*>(codePage)->CodePage(), 0x1B5U);
+  EXPECT_EQ(TExtraConsoleFEProps(*codePage).CodePage(), 0x1B5U);
   EXPECT_EQ(link.ExtraDataByType(TExtraDataType::edtTrackerProps), nullptr);
 }
 
@@ -141,7 +141,7 @@ TEST_F(ShellLink, BlocksHaveTheFieldsOfTheirFormat) {
     builder.Block(signature, numbered(size));
   }
   const TShellLinkInfo link(u"a.lnk", builder.Build());
-  const auto& console = static_cast<const TExtraConsoleProps&>(link.ExtraData(0));
+  const TExtraConsoleProps console(link.ExtraData(0));
   EXPECT_EQ(console.FillAttributes(), 0x0908);
   EXPECT_EQ(console.WindowOriginY(), 0x1716);
   EXPECT_EQ(console.FontWeight(), 0x2B2A2928U);
@@ -149,14 +149,14 @@ TEST_F(ShellLink, BlocksHaveTheFieldsOfTheirFormat) {
   EXPECT_EQ(console.HistoryNoDup(), 0x8B8A8988U);
   EXPECT_EQ(console.GetColorTable(15), 0xCBCAC9C8U);
   EXPECT_EQ(console.GetColorTable(16), 0U);
-  const auto& tracker = static_cast<const TExtraTrackerProps&>(link.ExtraData(1));
+  const TExtraTrackerProps tracker(link.ExtraData(1));
   EXPECT_EQ(tracker.Version(), 0x0F0E0D0CU);
   EXPECT_EQ(tracker.MachineID().size(), 16U) << "a field without a NUL ends with the field";
   EXPECT_EQ(tracker.Droid1().D1, 0x23222120U);
   EXPECT_EQ(tracker.DroidBirth2().D4[7], 95);
-  EXPECT_EQ(static_cast<const TExtraSpecialFolderProps&>(link.ExtraData(2)).Offset(), 0x0F0E0D0CU);
-  EXPECT_EQ(static_cast<const TExtraKnowFolderProps&>(link.ExtraData(3)).KnownFolderID().D1, 0x0B0A0908U);
-  EXPECT_EQ(static_cast<const TExtraKnowFolderProps&>(link.ExtraData(3)).Offset(), 0x1B1A1918U);
+  EXPECT_EQ(TExtraSpecialFolderProps(link.ExtraData(2)).Offset(), 0x0F0E0D0CU);
+  EXPECT_EQ(TExtraKnowFolderProps(link.ExtraData(3)).KnownFolderID().D1, 0x0B0A0908U);
+  EXPECT_EQ(TExtraKnowFolderProps(link.ExtraData(3)).Offset(), 0x1B1A1918U);
   EXPECT_EQ(link.ExtraData(4).DataType(), TExtraDataType::edtUnknown);
 }
 
