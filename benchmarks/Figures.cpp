@@ -69,6 +69,23 @@ double RatioOfMedians(int ARounds, const std::function<double()>& AFirst, const 
   return Median(std::move(first)) / Median(std::move(second));
 }
 
+double RatioByTurns(int ARounds, std::size_t AParts, const std::function<double(std::size_t)>& AFirst,
+                    const std::function<double(std::size_t)>& ASecond) {
+  const auto ratioOfRound = [&] {
+    double first = 0;
+    double second = 0;
+    for (std::size_t part = 0; part < AParts; ++part) {
+      first += AFirst(part);
+      second += ASecond((part + AParts / 2) % AParts);
+    }
+    return first / second;
+  };
+  std::vector<double> ratios;
+  ratioOfRound();
+  for (int round = 0; round < ARounds; ++round) ratios.push_back(ratioOfRound());
+  return Median(std::move(ratios));
+}
+
 double SecondsOf(const std::function<void()>& AAction) {
   const auto begin = std::chrono::steady_clock::now();
   AAction();

@@ -1,6 +1,7 @@
 // What the benchmark programs measure, and how they report it.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <span>
@@ -34,6 +35,12 @@ struct TFigure {
 /// divided by the median of the second one's.
 [[nodiscard]] double RatioOfMedians(int ARounds, const std::function<double()>& AFirst,
                                     const std::function<double()>& ASecond);
+
+/// The same for two ways to do a job that has AParts parts, whose results are added up: both do a part in turn, not the
+/// same at a time, so that a slow moment of the computer meets both and none finds in the caches what the other left.
+/// The median of the ratios of ARounds rounds.
+[[nodiscard]] double RatioByTurns(int ARounds, std::size_t AParts, const std::function<double(std::size_t)>& AFirst,
+                                  const std::function<double(std::size_t)>& ASecond);
 
 /// The time that AAction takes, in seconds.
 [[nodiscard]] double SecondsOf(const std::function<void()>& AAction);

@@ -1,18 +1,16 @@
 #include "benchmarks/LinkFiles.native.h"
 
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
+#include <array>
 #include <fstream>
-#include <span>
 #include <stdexcept>
 
 #include "benchmarks/Figures.h"
 #include "common/LinkKinds.h"
-#include "platform/simulated/SimulatedMachine.h"
 #include "support/uShellLinkInfo.h"
 #include "support/uText.h"
 
@@ -20,47 +18,9 @@ namespace varcolin::benchmarks {
 
 namespace {
 
-/// The parser over a machine of its own, while the object lives.
-class TLoadedParser {
- public:
-  TLoadedParser() {
-    TShellLinkInfo::Load(FMachine.Files(), FMachine.Shell(), FMachine.System(),
-                         [](std::u16string_view AText) { return std::u16string(AText); });
-  }
-  TLoadedParser(const TLoadedParser&) = delete;
-  TLoadedParser& operator=(const TLoadedParser&) = delete;
-  ~TLoadedParser() { TShellLinkInfo::Unload(); }
-
- private:
-  TSimulatedMachine FMachine;
-};
+constexpr std::size_t LargestRead = 65'536;
 
 }  // namespace
-
-/// Reads files of one folder, each at one go, and leaves no trace of it in them.
-class TLinkFiles::TReader {
- public:
-  explicit TReader(const std::filesystem::path& AFolder)
-      : FFolder(::open(AFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), FBuffer(65'536) {
-    if (FFolder < 0) throw std::runtime_error("cannot open " + AFolder.string());
-  }
-  TReader(const TReader&) = delete;
-  TReader& operator=(const TReader&) = delete;
-  ~TReader() { ::close(FFolder); }
-
-  /// The bytes of a file, until the next one is read.
-  [[nodiscard]] std::span<const std::byte> Read(const std::string& AName) {
-    const int file = ::openat(FFolder, AName.c_str(), O_RDONLY | O_CLOEXEC | O_NOATIME);
-    const ssize_t size = ::read(file, FBuffer.data(), FBuffer.size());
-    ::close(file);
-    if (size <= 0 || static_cast<std::size_t>(size) == FBuffer.size()) throw std::runtime_error("cannot read " + AName);
-    return std::span(FBuffer).first(static_cast<std::size_t>(size));
-  }
-
- private:
-  int FFolder;
-  std::vector<std::byte> FBuffer;
-};
 
 TLinkFiles::TLinkFiles(std::size_t ACount)
     : FFolder(std::filesystem::temp_directory_path() / ("varcolin-links-" + std::to_string(::getpid()))) {
@@ -81,25 +41,47 @@ TLinkFiles::~TLinkFiles() {
   std::filesystem::remove_all(FFolder, error);
 }
 
-double TLinkFiles::ReadSeconds() const {
-  TReader reader(FFolder);
+TLinkReading::TLinkReading(const TLinkFiles& AFiles)
+    : FFiles(AFiles),
+      FFolder(::open(AFiles.Folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+      FBuffer(LargestRead) {
+  if (FFolder < 0) throw std::runtime_error("cannot open " + AFiles.Folder().string());
+}
+
+TLinkReading::~TLinkReading() { ::close(FFolder); }
+
+std::span<const std::byte> TLinkReading::Read(const TLinkFiles::TFile& AFile) {
+  const int file = ::openat(FFolder, AFile.Name.c_str(), O_RDONLY | O_CLOEXEC | O_NOATIME);
+  const ssize_t size = ::read(file, FBuffer.data(), FBuffer.size());
+  ::close(file);
+  if (size <= 0 || static_cast<std::size_t>(size) == FBuffer.size()) {
+    throw std::runtime_error("cannot read " + AFile.Name);
+  }
+  return std::span(FBuffer).first(static_cast<std::size_t>(size));
+}
+
+double TLinkReading::Seconds(std::size_t AFirst, std::size_t ACount) {
   std::size_t bytes = 0;
   const double seconds = SecondsOf([&] {
-    for (const TFile& file : FFiles) bytes += reader.Read(file.Name).size();
+    for (const auto& file : FFiles.Files().subspan(AFirst, ACount)) bytes += Read(file).size();
   });
   if (bytes == 0) throw std::runtime_error("the links are empty");
   return seconds;
 }
 
-double TLinkFiles::ParseSeconds() const {
-  const TLoadedParser parser;
-  TReader reader(FFolder);
+TLinkParsing::TLinkParsing(const TLinkFiles& AFiles) : FFiles(AFiles), FReading(AFiles) {
+  TShellLinkInfo::Load(FMachine.Files(), FMachine.Shell(), FMachine.System(),
+                       [](std::u16string_view AText) { return std::u16string(AText); });
+}
+
+TLinkParsing::~TLinkParsing() { TShellLinkInfo::Unload(); }
+
+double TLinkParsing::Seconds(std::size_t AFirst, std::size_t ACount) {
   std::size_t empty = 0;
   std::size_t units = 0;
   const double seconds = SecondsOf([&] {
-    for (const TFile& file : FFiles) {
-      const std::span<const std::byte> data = reader.Read(file.Name);
-      const TShellLinkInfo link(file.Path, data);
+    for (const auto& file : FFiles.Files().subspan(AFirst, ACount)) {
+      const TShellLinkInfo link(file.Path, FReading.Read(file));
       if (link.PathName().empty()) ++empty;
       units += link.Arguments().size() + link.WorkingDirectory().size() + link.IconLocation().size() +
                static_cast<std::size_t>(link.IconIndex() != 0);
@@ -109,19 +91,51 @@ double TLinkFiles::ParseSeconds() const {
   return seconds;
 }
 
-double TLinkFiles::LiblnkSeconds() const {
+TLiblnkReading::TLiblnkReading(const TLinkFiles& AFiles) {
+  std::array<int, 2> requests{};
+  std::array<int, 2> answers{};
+  if (::pipe2(requests.data(), O_CLOEXEC) != 0) throw std::runtime_error("cannot make a pipe");
+  FRequests.reset(::fdopen(requests[1], "w"));
+  TStream requestsEnd(::fdopen(requests[0], "r"));
+  if (::pipe2(answers.data(), O_CLOEXEC) != 0) throw std::runtime_error("cannot make a pipe");
+  FAnswers.reset(::fdopen(answers[0], "r"));
+  TStream answersEnd(::fdopen(answers[1], "w"));
+
+  std::string program = "/usr/bin/python3";
+  std::string script = READ_LINKS_SCRIPT;
+  std::string folder = AFiles.Folder().string();
+  const std::array<char*, 4> arguments = {program.data(), script.data(), folder.data(), nullptr};
+  posix_spawn_file_actions_t actions;
+  ::posix_spawn_file_actions_init(&actions);
+  ::posix_spawn_file_actions_adddup2(&actions, requests[0], STDIN_FILENO);
+  ::posix_spawn_file_actions_adddup2(&actions, answers[1], STDOUT_FILENO);
+  const int error = ::posix_spawn(&FProcess, program.c_str(), &actions, nullptr, arguments.data(), environ);
+  ::posix_spawn_file_actions_destroy(&actions);
+  if (error != 0) throw std::runtime_error("cannot start python3");
+
+  // the answers end with the interpreter only when nobody else has its end open
+  requestsEnd.reset();
+  answersEnd.reset();
+  std::size_t count = 0;
+  if (std::fscanf(FAnswers.get(), "%zu", &count) == 1) return;
   constexpr int MissingBinding = 3;
-  constexpr int Rounds = 2;  // the first of each new interpreter does not count
-  const std::string command =
-      "/usr/bin/python3 '" READ_LINKS_SCRIPT "' '" + FFolder.string() + "' " + std::to_string(Rounds);
-  FILE* const pipe = ::popen(command.c_str(), "r");
-  if (pipe == nullptr) throw std::runtime_error("cannot start python3");
-  std::vector<double> seconds;
-  for (double round = 0; std::fscanf(pipe, "%lf", &round) == 1;) seconds.push_back(round);
-  const int status = ::pclose(pipe);
+  int status = 0;
+  ::waitpid(FProcess, &status, 0);
   if (WIFEXITED(status) && WEXITSTATUS(status) == MissingBinding) throw TSkipped("python3-liblnk is not installed");
-  if (status != 0 || seconds.size() != Rounds) throw std::runtime_error("liblnk does not read the links");
-  return seconds.back();
+  throw std::runtime_error("python3 cannot list the links");
+}
+
+TLiblnkReading::~TLiblnkReading() {
+  FRequests.reset();  // the interpreter ends with its input
+  ::waitpid(FProcess, nullptr, 0);
+}
+
+double TLiblnkReading::Seconds(std::size_t AFirst, std::size_t ACount) {
+  std::fprintf(FRequests.get(), "%zu %zu\n", AFirst, ACount);
+  std::fflush(FRequests.get());
+  double seconds = 0;
+  if (std::fscanf(FAnswers.get(), "%lf", &seconds) != 1) throw std::runtime_error("liblnk does not read the links");
+  return seconds;
 }
 
 }  // namespace varcolin::benchmarks

@@ -340,23 +340,29 @@ const TLinkFiles& Links() {
   return files;
 }
 
+/// The cost of one reader of all links against that of another.
+template <class TFirst, class TSecond>
+double RatioOfReaders(int ARounds, TFirst& AFirst, TSecond& ASecond) {
+  constexpr std::size_t Parts = 20;
+  constexpr std::size_t Count = LinkCount / Parts;
+  return RatioByTurns(
+      ARounds, Parts, [&](std::size_t APart) { return AFirst.Seconds(APart * Count, Count); },
+      [&](std::size_t APart) { return ASecond.Seconds(APart * Count, Count); });
+}
+
 double LinkParse() {
-  constexpr int Rounds = 9;
-  const TLinkFiles& files = Links();
-  return RatioOfMedians(
-      Rounds, [&] { return files.ParseSeconds(); }, [&] { return files.ReadSeconds(); });
+  constexpr int Rounds = 25;
+  TLinkParsing parsing(Links());
+  TLinkReading reading(Links());
+  return RatioOfReaders(Rounds, parsing, reading);
 }
 
 double LinkParseLiblnk() {
-  constexpr int Rounds = 15;
-  const TLinkFiles& files = Links();
+  constexpr int Rounds = 25;
   const TOneProcessor processor;
-  // on both sides the first of two readings in a row does not count: the other side ran just before it
-  const auto ours = [&] {
-    static_cast<void>(files.ParseSeconds());
-    return files.ParseSeconds();
-  };
-  return RatioOfMedians(Rounds, ours, [&] { return files.LiblnkSeconds(); });
+  TLinkParsing parsing(Links());
+  TLiblnkReading liblnk(Links());
+  return RatioOfReaders(Rounds, parsing, liblnk);
 }
 
 template <std::size_t Programs>

@@ -1,6 +1,8 @@
-"""Reads target, arguments, working directory and icon of every link file in a folder with liblnk's Python binding.
+"""Reads target, arguments, working directory and icon of link files in a folder with liblnk's Python binding.
 
-  read_links.py FOLDER ROUNDS    prints the seconds of each round, a line each; exits 3 when the binding is missing
+  read_links.py FOLDER    prints the number of files, 0.lnk and on, that FOLDER holds; then, for each line
+                          "FIRST COUNT" of its input, the seconds that so many files take from that one on.
+                          Exits 3 when the binding is missing.
 """
 
 import os
@@ -23,13 +25,15 @@ def read(path):
 
 
 def main():
-    folder, rounds = sys.argv[1], int(sys.argv[2])
-    paths = [os.path.join(folder, name) for name in sorted(os.listdir(folder))]
-    for _ in range(rounds):
+    folder = sys.argv[1]
+    paths = [os.path.join(folder, f"{number}.lnk") for number in range(len(os.listdir(folder)))]
+    print(len(paths), flush=True)
+    for line in sys.stdin:
+        first, count = map(int, line.split())
         begin = time.perf_counter()
-        for path in paths:
+        for path in paths[first:first + count]:
             read(path)
-        print(time.perf_counter() - begin)
+        print(time.perf_counter() - begin, flush=True)
 
 
 main()
