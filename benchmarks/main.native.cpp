@@ -343,7 +343,7 @@ const TLinkFiles& Links() {
 /// The cost of one reader of all links against that of another.
 template <class TFirst, class TSecond>
 double RatioOfReaders(int ARounds, TFirst& AFirst, TSecond& ASecond) {
-  constexpr std::size_t Parts = 20;
+  constexpr std::size_t Parts = 4;
   constexpr std::size_t Count = LinkCount / Parts;
   return RatioByTurns(
       ARounds, Parts, [&](std::size_t APart) { return AFirst.Seconds(APart * Count, Count); },

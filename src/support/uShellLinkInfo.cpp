@@ -1,6 +1,7 @@
 #include "support/uShellLinkInfo.h"
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -25,17 +26,22 @@ struct TState {
   TShellLinkInfo::TResolveText ResolveText;
   std::mutex Lock;
   TShellFolder Desktop;  // fetched on first use
+  std::atomic<bool> HasDesktop = false;
 
   TState(IFiles& AFiles, IShell& AShell, ISystemFacts& ASystem, TShellLinkInfo::TResolveText AResolveText) noexcept
       : Files(AFiles), Shell(AShell), System(ASystem), ResolveText(AResolveText) {}
 
   const TShellFolder& DesktopFolder() {
-    const std::scoped_lock guard(Lock);
-    if (!Desktop) {
-      const TWinError error = Shell.GetDesktopFolder(Desktop);
-      if (error != WinError::Success) throw EOSError(error, System.ErrorText(error));
-    }
+    if (!HasDesktop) FetchDesktop();
     return Desktop;
+  }
+
+  void FetchDesktop() {
+    const std::scoped_lock guard(Lock);
+    if (HasDesktop) return;
+    const TWinError error = Shell.GetDesktopFolder(Desktop);
+    if (error != WinError::Success) throw EOSError(error, System.ErrorText(error));
+    HasDesktop = true;
   }
 };
 std::unique_ptr<TState> LoadedState;
@@ -60,7 +66,7 @@ void TShellLinkInfo::Unload() noexcept { LoadedState.reset(); }
 TShellLinkInfo::TShellLinkInfo(std::u16string_view AFileName) { SetFileName(AFileName); }
 
 TShellLinkInfo::TShellLinkInfo(std::u16string_view AFileName, std::vector<std::byte> AData)
-    : FFileName(AFileName), FOwnData(std::move(AData)), FData(FOwnData) {
+    : FOwnFileName(AFileName), FFileName(FOwnFileName), FOwnData(std::move(AData)), FData(FOwnData) {
   CheckExtension();
   LoadData();
 }
@@ -75,7 +81,8 @@ void TShellLinkInfo::SetFileName(std::u16string_view AFileName) {
   if (!AFileName.empty() && SameText(AFileName, FFileName)) return;
   std::u16string name(AFileName);
   Clear();
-  FFileName = std::move(name);
+  FOwnFileName = std::move(name);
+  FFileName = FOwnFileName;
   if (FFileName.empty()) return;
   CheckExtension();
   FOwnData = ReadFile();

@@ -39,12 +39,12 @@ class TShellLinkInfo {
   explicit TShellLinkInfo(std::u16string_view AFileName);
   /// Reads bytes that the caller has from elsewhere; AFileName is checked like a file's name and used in messages.
   TShellLinkInfo(std::u16string_view AFileName, std::vector<std::byte> AData);
-  /// The same with bytes that stay the caller's and must outlive the object.
+  /// The same with a name and bytes that stay the caller's and must outlive the object.
   TShellLinkInfo(std::u16string_view AFileName, std::span<const std::byte> AData);
   TShellLinkInfo(const TShellLinkInfo&) = delete;
   TShellLinkInfo& operator=(const TShellLinkInfo&) = delete;
 
-  [[nodiscard]] const std::u16string& FileName() const noexcept { return FFileName; }
+  [[nodiscard]] std::u16string_view FileName() const noexcept { return FFileName; }
   /// Forgets what was read and reads another file, while nobody may write to it; an empty name reads none, and the
   /// same name (without regard to case) changes nothing. Raises TShellLinkInfoException when the file is no link, and
   /// EFOpenError when it does not open; the object is empty then.
@@ -97,7 +97,8 @@ class TShellLinkInfo {
   [[nodiscard]] std::u16string StringProps(TExtraDataType AType) const;
   void Clear() noexcept;
 
-  std::u16string FFileName;
+  std::u16string FOwnFileName;       // empty when the name is the caller's
+  std::u16string_view FFileName;
   std::vector<std::byte> FOwnData;   // empty when the bytes are the caller's
   std::span<const std::byte> FData;  // the whole file, which all parts are views of
   THeaderInfo FHeaderInfo;
