@@ -46,13 +46,14 @@ class TLinkReading {
 
   /// The seconds for ACount files from number AFirst on.
   [[nodiscard]] double Seconds(std::size_t AFirst, std::size_t ACount);
-  /// The bytes of one file, until the next one is read.
-  [[nodiscard]] std::span<const std::byte> Read(const TLinkFiles::TFile& AFile);
+  /// The bytes of some files, until the next ones are read.
+  [[nodiscard]] std::span<const std::span<const std::byte>> Read(std::span<const TLinkFiles::TFile> AFiles);
 
  private:
   const TLinkFiles& FFiles;
   int FFolder;
   std::vector<std::byte> FBuffer;
+  std::vector<std::span<const std::byte>> FRead;  // views of the buffer
 };
 
 /// Reads link files, and takes from each what the scanner of program folders and a launcher want: path, arguments,

@@ -133,7 +133,7 @@ void TShellLinkInfo::LoadData() {
 
 void TShellLinkInfo::ReadExtraData(TShellLinkReader& AReader) {
   constexpr std::uint32_t smallestBlock = 4;
-  constexpr std::size_t usualBlocks = 4;
+  constexpr std::size_t usualBlocks = 6;
   FExtraData.reserve(usualBlocks);
   for (;;) {
     const auto size = AReader.TakeNumber<std::uint32_t>();

@@ -97,7 +97,7 @@ class TShellLinkInfo {
   [[nodiscard]] std::u16string StringProps(TExtraDataType AType) const;
   void Clear() noexcept;
 
-  std::u16string FOwnFileName;       // empty when the name is the caller's
+  std::u16string FOwnFileName;  // empty when the name is the caller's
   std::u16string_view FFileName;
   std::vector<std::byte> FOwnData;   // empty when the bytes are the caller's
   std::span<const std::byte> FData;  // the whole file, which all parts are views of

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <utility>
+#include <optional>
 
 #include "platform/simulated/AnsiText.h"
 #include "support/uBytes.h"
@@ -27,44 +27,54 @@ TItemName LongName(TBytes AItem) noexcept {
   return TItemName::Unicode(BytesFrom(block, name));
 }
 
-/// Fills in a new AResult.
-void Decode(TBytes AItem, TShellItem& AResult) noexcept {
+/// Takes the next item, with its length, off a list; nothing at its end and at an item that is not sound.
+std::optional<TBytes> TakeItem(TBytes& AList) noexcept {
+  const std::size_t size = NumberAt<std::uint16_t>(AList, 0);
+  if (size <= sizeof(std::uint16_t) || size > AList.size()) return std::nullopt;
+  const TBytes item = AList.first(size);
+  AList = AList.subspan(size);
+  return item;
+}
+
+TShellItem Decode(TBytes AItem) noexcept {
   constexpr std::uint8_t UnicodeName = 0x04;
+  TShellItem result;
   const auto type = NumberAt<std::uint8_t>(AItem, 2);
   switch (type & 0x70) {
     case 0x10:
     case 0x70:
       if (type != 0x1F && type != 0x71) break;
-      AResult.Kind = EShellItem::Guid;
-      AResult.Guid = NumberAt<TGUID>(AItem, type == 0x1F ? 4 : 14);
+      result.Kind = EShellItem::Guid;
+      result.Guid = NumberAt<TGUID>(AItem, type == 0x1F ? 4 : 14);
       break;
     case 0x20:
       if (type == 0x2E) {
-        AResult.Kind = EShellItem::Guid;
-        AResult.Guid = NumberAt<TGUID>(AItem, 4);
+        result.Kind = EShellItem::Guid;
+        result.Guid = NumberAt<TGUID>(AItem, 4);
       } else {
-        AResult.Kind = EShellItem::Drive;
-        AResult.Name = TItemName::Ansi(BytesFrom(AItem, 3));
+        result.Kind = EShellItem::Drive;
+        result.Name = TItemName::Ansi(BytesFrom(AItem, 3));
       }
       break;
     case 0x30: {
       const TBytes name = BytesFrom(AItem, 14);
-      AResult.Kind = EShellItem::File;
-      AResult.Name = LongName(AItem);
-      if (AResult.Name.IsEmpty()) {
-        AResult.Name = (type & UnicodeName) != 0 ? TItemName::Unicode(name) : TItemName::Ansi(name);
+      result.Kind = EShellItem::File;
+      result.Name = LongName(AItem);
+      if (result.Name.IsEmpty()) {
+        result.Name = (type & UnicodeName) != 0 ? TItemName::Unicode(name) : TItemName::Ansi(name);
       }
       break;
     }
     case 0x40:
-      AResult.Kind = EShellItem::Network;
-      AResult.Name = TItemName::Ansi(BytesFrom(AItem, 5));
+      result.Kind = EShellItem::Network;
+      result.Name = TItemName::Ansi(BytesFrom(AItem, 5));
       break;
     default:
       break;
   }
   // a nameless item leads nowhere
-  if (AResult.Kind != EShellItem::Guid && AResult.Name.IsEmpty()) AResult.Kind = EShellItem::Unknown;
+  if (result.Kind != EShellItem::Guid && result.Name.IsEmpty()) result.Kind = EShellItem::Unknown;
+  return result;
 }
 
 }  // namespace
@@ -92,19 +102,17 @@ std::u16string TItemName::Text() const {
   return result;
 }
 
-bool DecodeIDList(TBytes AIDList, std::vector<TShellItem>& AItems) {
-  constexpr std::size_t UsualDepth = 8;
-  std::vector<TShellItem> items;
-  items.reserve(UsualDepth);
-  while (AIDList.size() >= sizeof(std::uint16_t)) {
-    const std::size_t size = NumberAt<std::uint16_t>(AIDList, 0);
-    if (size == 0) break;
-    if (size <= sizeof(std::uint16_t) || size > AIDList.size()) return false;
-    Decode(AIDList.first(size), items.emplace_back());
-    AIDList = AIDList.subspan(size);
+bool TItemIDList::IsSound() const noexcept {
+  TBytes rest = FRest;
+  while (TakeItem(rest)) {
   }
-  AItems = std::move(items);
-  return true;
+  return NumberAt<std::uint16_t>(rest, 0) == 0;
+}
+
+bool TItemIDList::Next(TShellItem& AItem) noexcept {
+  const std::optional<TBytes> item = TakeItem(FRest);
+  if (item) AItem = Decode(*item);
+  return item.has_value();
 }
 
 }  // namespace varcolin

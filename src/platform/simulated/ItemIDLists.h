@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <span>
 #include <string>
-#include <vector>
 
 #include "intf/intf_Base.h"
 
@@ -44,8 +43,19 @@ struct TShellItem {
   TGUID Guid{};
 };
 
-/// The items of a list, whose terminator may be missing, as views of its bytes. False when an item reaches past the end
-/// of the bytes or is shorter than its own length field.
-[[nodiscard]] bool DecodeIDList(std::span<const std::byte> AIDList, std::vector<TShellItem>& AItems);
+/// Walks a list, whose terminator may be missing; the items are views of its bytes. To be copied to walk again from
+/// where it is.
+class TItemIDList {
+ public:
+  explicit TItemIDList(std::span<const std::byte> AIDList) noexcept : FRest(AIDList) {}
+
+  /// Whether no item that is left reaches past the end of the bytes or is shorter than its own length field.
+  [[nodiscard]] bool IsSound() const noexcept;
+  /// Goes on to the next item; false behind the last one and at one that is not sound.
+  [[nodiscard]] bool Next(TShellItem& AItem) noexcept;
+
+ private:
+  std::span<const std::byte> FRest;
+};
 
 }  // namespace varcolin

@@ -96,53 +96,60 @@ void TSimulatedShell::CloseValue(TShellFolderTag, std::uintptr_t) noexcept { --F
 TWinError TSimulatedShell::GetDisplayName(const TShellFolder& AFolder, std::span<const std::byte> AIDList,
                                           std::uint32_t AForm, std::u16string& AName) {
   if (AFolder.Value() != DesktopFolder) return WinError::InvalidHandle;
-  std::vector<TShellItem> items;
-  if (!DecodeIDList(AIDList, items)) return WinError::InvalidParameter;
+  const TItemIDList items(AIDList);
+  if (!items.IsSound()) return WinError::InvalidParameter;
   if (AForm == DisplayNameForm::ForParsing) return GetParsingName(items, AName);
   return AForm == DisplayNameForm::InFolder ? GetNameInFolder(items, AName) : WinError::NotSupported;
 }
 
-TWinError TSimulatedShell::GetParsingName(std::span<const TShellItem> AItems, std::u16string& AName) {
-  if (std::ranges::find(AItems, EShellItem::Unknown, &TShellItem::Kind) != AItems.end()) return WinError::NotSupported;
-  // the last item that has a path of its own makes those in front of it needless
+TWinError TSimulatedShell::GetParsingName(TItemIDList AItems, std::u16string& AName) {
+  constexpr std::size_t UsualLength = 96;
+  TWinError error = WinError::Success;
   std::u16string path;
-  auto item = std::ranges::find_if(AItems.rbegin(), AItems.rend(), [](const TShellItem& AItem) {
-                return AItem.Kind == EShellItem::Drive || AItem.Kind == EShellItem::Network || FolderOf(AItem);
-              }).base();
-  if (item == AItems.begin()) {
-    if (const TWinError error = GetSpecialFolder(SpecialFolder::Desktop, path); error != WinError::Success) {
-      return error;
-    }
-  } else if (const std::optional<std::int32_t> folder = FolderOf(*(item - 1))) {
-    if (const TWinError error = GetSpecialFolder(*folder, path); error != WinError::Success) return error;
-  } else {
-    --item;
-  }
-  std::size_t length = path.size();
-  for (auto rest = item; rest != AItems.end(); ++rest) length += rest->Name.Length() + 1;
-  path.reserve(length);
-  bool isPlace = false;
-  for (; item != AItems.end(); ++item) {
-    if (item->Kind == EShellItem::Guid) {
-      // a place in a place is named by both
-      path = (isPlace ? path + u"\\" : std::u16string()) + u"::" + GuidToText(item->Guid);
-      isPlace = true;
+  path.reserve(UsualLength);
+  std::optional<TItemIDList> places;  // from the first one on that has no path of its own
+  const auto beginAtDesktop = [&] {
+    if (path.empty() && error == WinError::Success) error = GetSpecialFolder(SpecialFolder::Desktop, path);
+  };
+  TShellItem item;
+  for (TItemIDList here = AItems; AItems.Next(item); here = AItems) {
+    if (item.Kind == EShellItem::Unknown) return WinError::NotSupported;
+    const std::optional<std::int32_t> folder = FolderOf(item);
+    if (folder || item.Kind == EShellItem::Drive || item.Kind == EShellItem::Network) {
+      // an item that has a path of its own makes those in front of it needless
+      places.reset();
+      path.clear();
+      error = folder ? GetSpecialFolder(*folder, path) : WinError::Success;
+      item.Name.AppendTo(path);
+    } else if (item.Kind == EShellItem::Guid) {
+      if (!places) places = here;
+    } else if (places) {
+      error = WinError::NotSupported;  // what lies there, the simulator does not know
     } else {
-      if (isPlace) return WinError::NotSupported;  // what lies there, the simulator does not know
-      if (!path.empty() && !path.ends_with(u'\\')) path += u'\\';
-      item->Name.AppendTo(path);
+      beginAtDesktop();
+      if (!path.ends_with(u'\\')) path += u'\\';
+      item.Name.AppendTo(path);
     }
   }
-  AName = std::move(path);
-  return WinError::Success;
+  if (places) {
+    // a place in a place is named by both
+    path.clear();
+    while (places->Next(item)) path.append(path.empty() ? u"::" : u"\\::").append(GuidToText(item.Guid));
+  } else {
+    beginAtDesktop();
+  }
+  if (error == WinError::Success) AName = std::move(path);
+  return error;
 }
 
-TWinError TSimulatedShell::GetNameInFolder(std::span<const TShellItem> AItems, std::u16string& AName) const {
-  if (AItems.empty()) {
+TWinError TSimulatedShell::GetNameInFolder(TItemIDList AItems, std::u16string& AName) const {
+  TShellItem item;
+  if (!AItems.Next(item)) {
     AName = u"Desktop";
     return WinError::Success;
   }
-  const TShellItem& item = AItems.back();
+  while (AItems.Next(item)) {
+  }
   switch (item.Kind) {
     case EShellItem::Guid:
       AName = item.Guid == ComputerPlace ? (FFacts.IsVista() ? u"Computer" : u"My Computer")

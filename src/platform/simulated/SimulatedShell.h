@@ -27,8 +27,8 @@ class TSimulatedShell final : public IShell {
   [[nodiscard]] std::size_t OpenHandleCount() const noexcept { return FOpenFolders; }
 
  private:
-  [[nodiscard]] TWinError GetParsingName(std::span<const TShellItem> AItems, std::u16string& AName);
-  [[nodiscard]] TWinError GetNameInFolder(std::span<const TShellItem> AItems, std::u16string& AName) const;
+  [[nodiscard]] TWinError GetParsingName(TItemIDList AItems, std::u16string& AName);
+  [[nodiscard]] TWinError GetNameInFolder(TItemIDList AItems, std::u16string& AName) const;
 
   const TSimulatedFacts FFacts;
   const TEnvironment FEnvironment;
