@@ -170,6 +170,17 @@ TEST_F(SystemContract, NamesWhatItemIDListsLeadTo) {
   list.resize(list.size() - 2);
   EXPECT_EQ(nameOf(list, DisplayNameForm::ForParsing), ToUtf8(host)) << "without the empty item at the end";
 
+  // places that have no path are named by their class ids (Wine's in small letters), each in the one that it lies in
+  constexpr TGUID computer{0x20D04FE0, 0x3AEA, 0x1069, {0xA2, 0xD8, 0x08, 0x00, 0x2B, 0x30, 0x30, 0x9D}};
+  constexpr TGUID controlPanel{0x21EC2020, 0x3AEA, 0x1069, {0xA2, 0xDD, 0x08, 0x00, 0x2B, 0x30, 0x30, 0x9D}};
+  const auto upperNameOf = [&](const testing::TBytes& AList) {
+    return ToUtf8(UpperCase(FromUtf8(nameOf(AList, DisplayNameForm::ForParsing))));
+  };
+  testing::TBytes places = testing::MakePlaceItem(computer);
+  EXPECT_EQ(upperNameOf(places), "::{20D04FE0-3AEA-1069-A2D8-08002B30309D}");
+  testing::Append(places, testing::MakePlaceItem(controlPanel));
+  EXPECT_EQ(upperNameOf(places), "::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{21EC2020-3AEA-1069-A2DD-08002B30309D}");
+
   const testing::TBytes broken[] = {{std::byte{9}, {}, std::byte{0x1F}},
                                     {std::byte{1}, {}},
                                     {std::byte{2}, {}},

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "common/Facts.h"
+#include "common/LinkBuilder.h"
 #include "common/PeBuilder.h"
 #include "support/uText.h"
 
@@ -153,6 +154,50 @@ TEST(SimulatedModulesTest, RefusesExecutablesOfAnotherProcessor) {
   EXPECT_EQ(machine.Modules().LoadModule(u"C:\\x\\other.dll", module), WinError::BadExecutable);
   EXPECT_EQ(machine.Modules().LoadModule(u"C:\\x\\same.dll", module), WinError::Success);
   EXPECT_EQ(machine.OpenHandleCount(), 1U);
+}
+
+TEST(SimulatedShellTest, KnowsWhatLiesOnDrivesAndOnTheDesktopOnly) {
+  constexpr TGUID controlPanel{0x21EC2020, 0x3AEA, 0x1069, {0xA2, 0xDD, 0x08, 0x00, 0x2B, 0x30, 0x30, 0x9D}};
+  constexpr TGUID documents{0x450D8FBA, 0xAD25, 0x11D0, {0x98, 0xA8, 0x08, 0x00, 0x36, 0x1B, 0x11, 0x03}};
+  const testing::TBytes place = testing::MakePlaceItem(controlPanel);
+  const testing::TBytes folder = testing::MakePlaceItem(documents);
+  const testing::TBytes drive = testing::MakeDriveItem(u"C:\\");
+  const testing::TBytes file = testing::MakeFileItem(u"c.exe", false);
+  const testing::TBytes unknown = {std::byte{4}, {}, {}, {}};
+  const struct {
+    std::vector<testing::TBytes> Items;
+    std::u16string_view Name;  // empty when there is none
+  } cases[] = {
+      {{}, u"C:\\Users\\User\\Desktop"},
+      {{file}, u"C:\\Users\\User\\Desktop\\c.exe"},
+      {{folder, file}, u"C:\\Users\\User\\Documents\\c.exe"},
+      {{place, place}, u"::{21EC2020-3AEA-1069-A2DD-08002B30309D}\\::{21EC2020-3AEA-1069-A2DD-08002B30309D}"},
+      {{place, file}, u""},
+      {{place, file, drive, file}, u"C:\\c.exe"},
+      {{drive, file, drive, file}, u"C:\\c.exe"},
+      {{drive, file, folder}, u"C:\\Users\\User\\Documents"},
+      {{unknown, drive, file}, u""},
+  };
+  TSimulatedMachine machine;
+  TShellFolder desktop;
+  ASSERT_EQ(machine.Shell().GetDesktopFolder(desktop), WinError::Success);
+  for (const auto& [items, expected] : cases) {
+    testing::TBytes list;
+    for (const testing::TBytes& item : items) testing::Append(list, item);
+    std::u16string name;
+    const TWinError error = machine.Shell().GetDisplayName(desktop, list, DisplayNameForm::ForParsing, name);
+    EXPECT_EQ(ToUtf8(name), ToUtf8(expected));
+    EXPECT_EQ(error, expected.empty() ? WinError::NotSupported : WinError::Success) << ToUtf8(expected);
+  }
+
+  TSimulatedFacts homeless;
+  homeless.Environment = {{u"USERPROFILE", u""}};
+  TSimulatedMachine other(homeless);
+  std::u16string name = u"untouched";
+  testing::TBytes list = folder;
+  testing::Append(list, file);
+  EXPECT_EQ(other.Shell().GetDisplayName(desktop, list, DisplayNameForm::ForParsing, name), WinError::FileNotFound);
+  EXPECT_EQ(name, u"untouched");
 }
 
 TEST(SimulatedIconsTest, KeepsThePictureOfTheRightSize) {
