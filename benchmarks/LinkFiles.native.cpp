@@ -142,13 +142,14 @@ TLiblnkReading::TLiblnkReading(const TLinkFiles& AFiles) {
   if (std::fscanf(FAnswers.get(), "%zu", &count) == 1) return;
   constexpr int MissingBinding = 3;
   int status = 0;
+  FRequests.reset();  // an interpreter that still runs ends with its input
   ::waitpid(FProcess, &status, 0);
   if (WIFEXITED(status) && WEXITSTATUS(status) == MissingBinding) throw TSkipped("python3-liblnk is not installed");
   throw std::runtime_error("python3 cannot list the links");
 }
 
 TLiblnkReading::~TLiblnkReading() {
-  FRequests.reset();  // the interpreter ends with its input
+  FRequests.reset();
   ::waitpid(FProcess, nullptr, 0);
 }
 
