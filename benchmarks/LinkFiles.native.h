@@ -65,6 +65,7 @@ class TLinkParsing {
   TLinkParsing& operator=(const TLinkParsing&) = delete;
   ~TLinkParsing();
 
+  /// The seconds for ACount files from number AFirst on, reading them included.
   [[nodiscard]] double Seconds(std::size_t AFirst, std::size_t ACount);
 
  private:
@@ -82,6 +83,7 @@ class TLiblnkReading {
   TLiblnkReading& operator=(const TLiblnkReading&) = delete;
   ~TLiblnkReading();
 
+  /// The same seconds by the interpreter's own clock.
   [[nodiscard]] double Seconds(std::size_t AFirst, std::size_t ACount);
 
  private:
